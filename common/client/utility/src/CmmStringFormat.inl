@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "common/client/utility/src/CmmMemory.h"
+#include "common/client/utility/src/CmmNumber.h"
 #include "common/client/utility/src/CmmString.h"
 #include "common/client/utility/src/CmmStringCrt.h"
 #include "common/client/utility/src/CmmStringSystem.h"
@@ -85,6 +86,25 @@ int CStringT<T>::_LoadString(HINSTANCE__* instance, unsigned id, char* buffer, i
 template <typename T>
 int CStringT<T>::_LoadString(HINSTANCE__* instance, unsigned id, wchar_t* buffer, int size) {
   return LoadResourceString(instance, id, buffer, size);
+}
+
+template <typename T>
+long CStringT<T>::ToLong(long fallback, int base) const {
+  long value = fallback;
+  cmm_str_tol(m_str.data(), m_str.data() + m_str.size(), value, base);
+  return value;
+}
+
+template <typename T>
+long CStringT<T>::ToULong(long fallback, int base) const {
+  return ToLong(fallback, base);
+}
+
+template <typename T>
+double CStringT<T>::ToDouble(double fallback) const {
+  double value = fallback;
+  cmm_str_tod(m_str.data(), m_str.data() + m_str.size(), value);
+  return value;
 }
 
 }  // namespace Cmm
