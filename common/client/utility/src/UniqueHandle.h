@@ -76,11 +76,25 @@ struct LocalMemoryTraits {
   static void Release(Type value) { LocalFree(value); }
 };
 
+struct GlobalMemoryTraits {
+  using Type = void*;
+  static Type Empty() { return nullptr; }
+  static void Release(Type value) { GlobalFree(value); }
+};
+
+struct ProcessHeapTraits {
+  using Type = void*;
+  static Type Empty() { return nullptr; }
+  static void Release(Type value) { HeapFree(GetProcessHeap(), 0, value); }
+};
+
 using UniqueHandle = UniqueResource<KernelHandleTraits>;  // events, threads, tokens, mappings: null is empty
 using UniqueFileHandle =
     UniqueResource<FileHandleTraits>;  // CreateFile and kin: INVALID_HANDLE_VALUE is empty
 using UniqueModule = UniqueResource<ModuleTraits>;
 using UniqueRegistryKey = UniqueResource<RegistryKeyTraits>;
 using UniqueLocalMemory = UniqueResource<LocalMemoryTraits>;
+using UniqueGlobalMemory = UniqueResource<GlobalMemoryTraits>;
+using UniqueHeapBlock = UniqueResource<ProcessHeapTraits>;
 
 }  // namespace Cmm
