@@ -2,6 +2,9 @@
 
 #include "common/client/utility/src/CmmStringCompare.inl"
 #include "common/client/utility/src/CmmStringCore.inl"
+#include "common/client/utility/src/CmmStringEdit.inl"
+#include "common/client/utility/src/CmmStringFormat.inl"
+#include "common/client/utility/src/CmmStringSearch.inl"
 #include "common/client/utility/src/CmmStringStd.inl"
 
 namespace Cmm {

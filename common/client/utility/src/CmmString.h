@@ -41,7 +41,8 @@ namespace Cmm {
 //
 // - Lengths, positions and counts are in units of T. A position is unchecked only where it says so.
 // - The stored text may hold NUL units, but what works "up to the first NUL" sees only the text before it.
-//   A null `const T*` reads as an empty text, except where a comparison tells the two apart.
+//   A null `const T*` reads as an empty text, except where a comparison tells the two apart, and in the
+//   standard vocabulary, which takes no null.
 // - "Whitespace" is tab, line feed, carriage return and space, and nothing else.
 // - "Ignoring case" is the system's comparison under the user's locale, or tolower/towlower, as stated.
 // - Ranges and pointers into the text are invalid after any change. A source may be a part of the string
@@ -396,6 +397,7 @@ class CStringT {
   size_t find_last_not_of(T c, size_t pos = npos) const noexcept;
 
  private:
+  bool CanFindFrom(size_t pos) const;
   static size_t DoSpan(const char* s, const char* set);
   static size_t DoSpan(const wchar_t* s, const wchar_t* set);
   static size_t DoCSpan(const char* s, const char* set);

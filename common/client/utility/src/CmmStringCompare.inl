@@ -55,6 +55,12 @@ bool CStringT<T>::EndsWith(const CStringT& other, bool caseSensitive) const {
 }
 
 template <typename T>
+int CStringT<T>::Match(const T* pattern, T sep, int caseSensitive) const {
+  if (m_str.empty() || !pattern || !*pattern) return 0;
+  return crt::Match(m_str.c_str(), pattern, sep, caseSensitive);
+}
+
+template <typename T>
 bool CStringT<T>::operator==(const CStringT& other) const {
   return m_str == other.m_str;
 }

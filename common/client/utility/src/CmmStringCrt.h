@@ -1,13 +1,23 @@
 #pragma once
 
-// The C routines on NUL-terminated text under one name for both widths; private to the string's sources.
+// The routines on NUL-terminated text under one name for both widths; private to the string's sources.
 
 #include <cctype>
+#include <cstdarg>
+#include <cstdio>
 #include <cstring>
 #include <cwchar>
 #include <cwctype>
 
+#include "common/client/utility/src/CmmStrUtil.h"
+
 namespace Cmm::crt {
+
+template <typename T>
+const T* OrEmpty(const T* s) {
+  static constexpr T kEmpty[1] = {};
+  return s ? s : kEmpty;
+}
 
 inline int Compare(const char* a, const char* b) {
   return std::strcmp(a, b);
@@ -42,6 +52,57 @@ inline char ToLower(char c) {
 }
 inline wchar_t ToLower(wchar_t c) {
   return static_cast<wchar_t>(std::towlower(c));
+}
+
+// Below 0 when the text does not fit into `max` units and when the format is refused. The C++ library's
+// own vswprintf would take %s as narrow text.
+inline int Print(char* buffer, size_t max, const char* format, va_list args) {
+  return _vsnprintf(buffer, max, format, args);
+}
+inline int Print(wchar_t* buffer, size_t max, const wchar_t* format, va_list args) {
+  return _vsnwprintf(buffer, max, format, args);
+}
+
+inline const char* FindUnitIgnoringCase(const char* s, char c) {
+  return cmm_astr_chri(s, nullptr, c);
+}
+inline const wchar_t* FindUnitIgnoringCase(const wchar_t* s, wchar_t c) {
+  return cmm_wstr_chri(s, nullptr, c);
+}
+
+inline const char* FindTextIgnoringCase(const char* s, const char* needle) {
+  return cmm_astr_stri(s, nullptr, needle);
+}
+inline const wchar_t* FindTextIgnoringCase(const wchar_t* s, const wchar_t* needle) {
+  return cmm_wstr_stri(s, nullptr, needle);
+}
+
+inline const char* FindLastTextIgnoringCase(const char* s, const char* needle) {
+  return cmm_astr_rstri(s, nullptr, needle);
+}
+inline const wchar_t* FindLastTextIgnoringCase(const wchar_t* s, const wchar_t* needle) {
+  return cmm_wstr_rstri(s, nullptr, needle);
+}
+
+inline void MakeUpper(char* s) {
+  cmm_astr_upr(s, nullptr);
+}
+inline void MakeUpper(wchar_t* s) {
+  cmm_wstr_upr(s, nullptr);
+}
+
+inline void MakeLower(char* s) {
+  cmm_astr_lwr(s, nullptr);
+}
+inline void MakeLower(wchar_t* s) {
+  cmm_wstr_lwr(s, nullptr);
+}
+
+inline int Match(const char* s, const char* patterns, char sep, int caseSensitive) {
+  return cmm_astr_match(s, patterns, sep, caseSensitive);
+}
+inline int Match(const wchar_t* s, const wchar_t* patterns, wchar_t sep, int caseSensitive) {
+  return cmm_wstr_match(s, patterns, sep, caseSensitive);
 }
 
 }  // namespace Cmm::crt

@@ -13,22 +13,22 @@ size_t CStringT<T>::capacity() const noexcept {
 
 template <typename T>
 void CStringT<T>::reserve(size_t n) {
-  return m_str.reserve(n);
+  m_str.reserve(n);
 }
 
 template <typename T>
 void CStringT<T>::resize(size_t n) {
-  return m_str.resize(n);
+  m_str.resize(n);
 }
 
 template <typename T>
 void CStringT<T>::resize(size_t n, T c) {
-  return m_str.resize(n, c);
+  m_str.resize(n, c);
 }
 
 template <typename T>
 void CStringT<T>::clear() noexcept {
-  return m_str.clear();
+  m_str.clear();
 }
 
 template <typename T>
