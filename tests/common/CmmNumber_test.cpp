@@ -1,11 +1,14 @@
 #include "common/client/utility/src/CmmNumber.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "gtest/gtest.h"
 
@@ -303,6 +306,196 @@ TEST(CmmStrTod, AgreesWithTheCLibraryUpToRounding) {
     EXPECT_EQ(std::string(text).size(), parsed.consumed) << text;
     EXPECT_NEAR(expected, parsed.value, std::fabs(expected) * 1e-14) << text;
   }
+}
+
+template <typename T>
+class CmmNumberText : public testing::Test {
+ protected:
+  using Text = Cmm::CStringT<T>;
+
+  static Text Make(std::string_view ascii) { return std::basic_string<T>(ascii.begin(), ascii.end()); }
+
+  // The text that `write(value, out)` leaves in a string that held something else.
+  template <typename Function, typename Value>
+  static Text Written(Function write, Value value) {
+    Text out = Make("something longer than any number in here");
+    write(value, out);
+    return out;
+  }
+};
+
+using Widths = testing::Types<char, wchar_t>;
+TYPED_TEST_SUITE(CmmNumberText, Widths);
+
+TYPED_TEST(CmmNumberText, WritesInt64InDecimalAndAnswersOne) {
+  const std::pair<int64_t, const char*> cases[] = {{0, "0"},
+                                                   {7, "7"},
+                                                   {-7, "-7"},
+                                                   {INT64_MAX, "9223372036854775807"},
+                                                   {INT64_MIN, "-9223372036854775808"}};
+  for (const auto& [value, text] : cases) {
+    typename TestFixture::Text out;
+    EXPECT_EQ(1, Cmm::Int64ToString(value, out));
+    EXPECT_EQ(TestFixture::Make(text), out) << text;
+  }
+}
+
+TYPED_TEST(CmmNumberText, WritesTheOtherWholeNumbersInDecimal) {
+  const auto uint64 = [](uint64_t v, auto& out) { Cmm::UInt64ToString(v, out); };
+  EXPECT_EQ(this->Make("0"), this->Written(uint64, uint64_t{0}));
+  EXPECT_EQ(this->Make("18446744073709551615"), this->Written(uint64, UINT64_MAX));
+  const auto int32 = [](int v, auto& out) { Cmm::IntToString(v, out); };
+  EXPECT_EQ(this->Make("0"), this->Written(int32, 0));
+  EXPECT_EQ(this->Make("2147483647"), this->Written(int32, INT32_MAX));
+  EXPECT_EQ(this->Make("-2147483648"), this->Written(int32, INT32_MIN));
+  const auto uint32 = [](unsigned v, auto& out) { Cmm::UIntToString(v, out); };
+  EXPECT_EQ(this->Make("0"), this->Written(uint32, 0u));
+  EXPECT_EQ(this->Make("4294967295"), this->Written(uint32, UINT32_MAX));
+}
+
+TYPED_TEST(CmmNumberText, WritesTruthValues) {
+  const auto truth = [](int v, auto& out) { Cmm::BoolToString(v, out); };
+  EXPECT_EQ(this->Make("false"), this->Written(truth, 0));
+  EXPECT_EQ(this->Make("true"), this->Written(truth, 1));
+  EXPECT_EQ(this->Make("true"), this->Written(truth, -1));
+  EXPECT_EQ(this->Make("true"), this->Written(truth, 2));
+}
+
+TYPED_TEST(CmmNumberText, StringToInt64SucceedsForEveryTextButTheEmptyOne) {
+  struct {
+    const char* text;
+    int64_t value;
+  } const cases[] = {{"0", 0},
+                     {"42", 42},
+                     {" \t\n-42abc", -42},
+                     {"+7", 7},
+                     {"abc", 0},
+                     {" ", 0},
+                     {"9223372036854775807", INT64_MAX},
+                     {"-9223372036854775808", INT64_MIN}};
+  for (const auto& c : cases) {
+    int64_t out = kUntouched;
+    EXPECT_EQ(1, Cmm::StringToInt64(this->Make(c.text), out)) << c.text;
+    EXPECT_EQ(c.value, out) << c.text;
+  }
+  int64_t out = kUntouched;
+  EXPECT_EQ(0, Cmm::StringToInt64(this->Make(""), out));
+  EXPECT_EQ(0, out);
+}
+
+TYPED_TEST(CmmNumberText, StringToUInt64FollowsTheStandardConversion) {
+  struct {
+    const char* text;
+    uint64_t value;
+  } const cases[] = {{"0", 0},          {"42", 42}, {" \t\n\v\f\r42abc", 42},
+                     {"+7", 7},         {"00", 0},  {"18446744073709551615", UINT64_MAX},
+                     {"-1", UINT64_MAX}};
+  for (const auto& c : cases) {
+    uint64_t out = kUntouched;
+    EXPECT_EQ(1, Cmm::StringToUInt64(this->Make(c.text), out)) << c.text;
+    EXPECT_EQ(c.value, out) << c.text;
+  }
+}
+
+TYPED_TEST(CmmNumberText, StringToUInt64LeavesTheValueAloneWithoutADigitOrOutOfRange) {
+  for (const char* text :
+       {"", " ", "abc", "-", "+", "+-1", "18446744073709551616", "99999999999999999999999"}) {
+    uint64_t out = kUntouched;
+    EXPECT_EQ(0, Cmm::StringToUInt64(this->Make(text), out)) << text;
+    EXPECT_EQ(uint64_t{kUntouched}, out) << text;
+  }
+}
+
+TYPED_TEST(CmmNumberText, StringToIntTakesAZeroForSuccessOnlyFromThePlainText0) {
+  struct {
+    std::string_view text;
+    int result;
+    int value;
+  } const cases[] = {{"0", 1, 0},
+                     {"00", 0, 0},
+                     {"-0", 0, 0},
+                     {" 0", 0, 0},
+                     {"0x", 0, 0},
+                     {"", 0, 0},
+                     {"abc", 0, 0},
+                     {"7", 1, 7},
+                     {" -7abc", 1, -7},
+                     {"007", 1, 7},
+                     {"+7", 1, 7},
+                     {"0 ", 0, 0},
+                     {"2147483647", 1, INT32_MAX},
+                     {"-2147483648", 1, INT32_MIN},
+                     {std::string_view("0\0", 2), 0, 0}};
+  for (const auto& c : cases) {
+    int out = kUntouched;
+    EXPECT_EQ(c.result, Cmm::StringToInt(this->Make(c.text), out)) << c.text;
+    EXPECT_EQ(c.value, out) << c.text;
+  }
+}
+
+TYPED_TEST(CmmNumberText, StringToUIntTakesAZeroForSuccessOnlyFromThePlainText0) {
+  struct {
+    std::string_view text;
+    int result;
+    unsigned value;
+  } const cases[] = {{"0", 1, 0},          {"00", 0, 0},  {"", 0, 0},    {"abc", 0, 0},
+                     {"7", 1, 7},          {" 7a", 1, 7}, {"0x1", 0, 0}, {"4294967295", 1, UINT32_MAX},
+                     {"-1", 1, UINT32_MAX}};
+  for (const auto& c : cases) {
+    unsigned out = kUntouched;
+    EXPECT_EQ(c.result, Cmm::StringToUInt(this->Make(c.text), out)) << c.text;
+    EXPECT_EQ(c.value, out) << c.text;
+  }
+}
+
+TYPED_TEST(CmmNumberText, StringToBoolKnowsTwoTextsAndLeavesTheValueAloneForAnyOther) {
+  int out = kUntouched;
+  EXPECT_EQ(1, Cmm::StringToBool(this->Make("true"), out));
+  EXPECT_EQ(1, out);
+  EXPECT_EQ(1, Cmm::StringToBool(this->Make("false"), out));
+  EXPECT_EQ(0, out);
+  for (const std::string_view text :
+       {std::string_view(""), std::string_view("TRUE"), std::string_view("True"), std::string_view("1"),
+        std::string_view("0"), std::string_view(" true"), std::string_view("true "),
+        std::string_view("truex"), std::string_view("tru"), std::string_view("FALSE"),
+        std::string_view("true\0", 5)}) {
+    out = kUntouched;
+    EXPECT_EQ(0, Cmm::StringToBool(this->Make(text), out)) << text;
+    EXPECT_EQ(kUntouched, out) << text;
+  }
+}
+
+TYPED_TEST(CmmNumberText, ReadsBackWhatItWrote) {
+  std::mt19937_64 random(20240610);
+  for (int i = 0; i < 5000; ++i) {
+    const uint64_t bits = random() >> random() % 64;
+    typename TestFixture::Text text;
+
+    int64_t int64 = kUntouched;
+    Cmm::Int64ToString(static_cast<int64_t>(bits), text);
+    EXPECT_EQ(1, Cmm::StringToInt64(text, int64));
+    EXPECT_EQ(static_cast<int64_t>(bits), int64);
+
+    uint64_t uint64 = kUntouched;
+    Cmm::UInt64ToString(bits, text);
+    EXPECT_EQ(1, Cmm::StringToUInt64(text, uint64));
+    EXPECT_EQ(bits, uint64);
+
+    int int32 = kUntouched;
+    Cmm::IntToString(static_cast<int>(bits), text);
+    EXPECT_EQ(1, Cmm::StringToInt(text, int32));
+    EXPECT_EQ(static_cast<int>(bits), int32);
+
+    unsigned uint32 = kUntouched;
+    Cmm::UIntToString(static_cast<unsigned>(bits), text);
+    EXPECT_EQ(1, Cmm::StringToUInt(text, uint32));
+    EXPECT_EQ(static_cast<unsigned>(bits), uint32);
+  }
+}
+
+TEST(CmmStringFromInt64, GivesDecimalText) {
+  EXPECT_EQ("-42", Cmm::CmmStringFromInt64(-42).GetCData());
+  EXPECT_EQ("9223372036854775807", Cmm::CmmStringFromInt64(INT64_MAX).GetCData());
 }
 
 }  // namespace

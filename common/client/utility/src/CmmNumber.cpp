@@ -1,6 +1,14 @@
 #include "common/client/utility/src/CmmNumber.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <cwchar>
+#include <exception>
+#include <iterator>
 #include <limits>
+#include <string>
+#include <string_view>
 
 namespace {
 
@@ -156,3 +164,172 @@ char* cmm_str_tod(const char* s, const char* end, double& out) {
 wchar_t* cmm_str_tod(const wchar_t* s, const wchar_t* end, double& out) {
   return ParseDouble(s, end, out);
 }
+
+namespace Cmm {
+namespace {
+
+// The C runtime's conversions under one name for both widths.
+int64_t ToInt64(const char* s) {
+  return _atoi64(s);
+}
+
+int64_t ToInt64(const wchar_t* s) {
+  return _wtoi64(s);
+}
+
+int ToInt(const char* s) {
+  return std::atoi(s);
+}
+
+int ToInt(const wchar_t* s) {
+  return _wtoi(s);
+}
+
+unsigned ToUInt(const char* s) {
+  return std::strtoul(s, nullptr, 10);
+}
+
+unsigned ToUInt(const wchar_t* s) {
+  return std::wcstoul(s, nullptr, 10);
+}
+
+template <typename T>
+bool IsExactly(const CStringT<T>& s, std::string_view expected) {
+  return std::equal(s.begin(), s.end(), expected.begin(), expected.end());
+}
+
+template <typename T>
+int ParseInt64(const CStringT<T>& s, int64_t& out) {
+  out = s.empty() ? 0 : ToInt64(s.c_str());
+  return s.empty() ? 0 : 1;
+}
+
+template <typename T>
+int ParseUInt64(const CStringT<T>& s, uint64_t& out) {
+  try {
+    out = std::stoull(s.GetCData());
+    return 1;
+  } catch (const std::exception&) {
+    return 0;
+  }
+}
+
+// 0 is also the C runtime's answer to text that is no number, so only the plain "0" passes for one.
+template <typename T, typename Value>
+int Accept(const CStringT<T>& s, Value value, Value& out) {
+  out = value;
+  return value != 0 || IsExactly(s, "0") ? 1 : 0;
+}
+
+template <typename T>
+int ParseBool(const CStringT<T>& s, int& out) {
+  const bool isTrue = IsExactly(s, "true");
+  if (!isTrue && !IsExactly(s, "false")) return 0;
+  out = isTrue ? 1 : 0;
+  return 1;
+}
+
+template <typename T, typename Value>
+void Write(Value value, CStringT<T>& out) {
+  char digits[std::numeric_limits<Value>::digits10 + 2];  // one more digit and the sign
+  const auto end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
+  out.assign(digits, end);
+}
+
+template <typename T>
+void WriteBool(int v, CStringT<T>& out) {
+  const std::string_view text = v != 0 ? "true" : "false";
+  out.assign(text.begin(), text.end());
+}
+
+}  // namespace
+
+int StringToInt64(const CStringT<char>& s, int64_t& out) {
+  return ParseInt64(s, out);
+}
+
+int StringToInt64(const CStringT<wchar_t>& s, int64_t& out) {
+  return ParseInt64(s, out);
+}
+
+int StringToUInt64(const CStringT<char>& s, uint64_t& out) {
+  return ParseUInt64(s, out);
+}
+
+int StringToUInt64(const CStringT<wchar_t>& s, uint64_t& out) {
+  return ParseUInt64(s, out);
+}
+
+int StringToInt(const CStringT<char>& s, int& out) {
+  return Accept(s, ToInt(s.c_str()), out);
+}
+
+int StringToInt(const CStringT<wchar_t>& s, int& out) {
+  return Accept(s, ToInt(s.c_str()), out);
+}
+
+int StringToUInt(const CStringT<char>& s, unsigned& out) {
+  return Accept(s, ToUInt(s.c_str()), out);
+}
+
+int StringToUInt(const CStringT<wchar_t>& s, unsigned& out) {
+  return Accept(s, ToUInt(s.c_str()), out);
+}
+
+int StringToBool(const CStringT<char>& s, int& out) {
+  return ParseBool(s, out);
+}
+
+int StringToBool(const CStringT<wchar_t>& s, int& out) {
+  return ParseBool(s, out);
+}
+
+int Int64ToString(int64_t v, CStringT<char>& out) {
+  Write(v, out);
+  return 1;
+}
+
+int Int64ToString(int64_t v, CStringT<wchar_t>& out) {
+  Write(v, out);
+  return 1;
+}
+
+void UInt64ToString(uint64_t v, CStringT<char>& out) {
+  Write(v, out);
+}
+
+void UInt64ToString(uint64_t v, CStringT<wchar_t>& out) {
+  Write(v, out);
+}
+
+void IntToString(int v, CStringT<char>& out) {
+  Write(v, out);
+}
+
+void IntToString(int v, CStringT<wchar_t>& out) {
+  Write(v, out);
+}
+
+void UIntToString(unsigned v, CStringT<char>& out) {
+  Write(v, out);
+}
+
+void UIntToString(unsigned v, CStringT<wchar_t>& out) {
+  Write(v, out);
+}
+
+CStringT<char> CmmStringFromInt64(int64_t v) {
+  CStringT<char> text;
+  Int64ToString(v, text);
+  return text;
+}
+
+void BoolToString(int v, CStringT<char>& out) {
+  WriteBool(v, out);
+}
+
+void BoolToString(int v, CStringT<wchar_t>& out) {
+  WriteBool(v, out);
+}
+
+}  // namespace Cmm

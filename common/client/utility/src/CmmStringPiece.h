@@ -34,7 +34,7 @@ class CMM_EXPORT StringPiece {
   void set(const char* data, size_t length);
   void set(const char* s);  // up to the NUL; null as in the constructor
   void set(const void* data, size_t length);
-  void clear() { set(nullptr, 0); }
+  void clear() { *this = StringPiece(); }
 
   // ---- Access ---------------------------------------------------------------------------------------
 
