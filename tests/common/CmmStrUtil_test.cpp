@@ -1,8 +1,27 @@
 #include "common/client/utility/src/CmmStrUtil.h"
 
+#include <cstdlib>
 #include <limits>
+#include <new>
 
 #include "tests/common/CmmStringTesting.h"
+
+namespace {
+size_t allocations = 0;
+}  // namespace
+
+// Counts what this program takes from the heap through C++.
+void* operator new(size_t size) {
+  ++allocations;
+  if (void* block = std::malloc(size)) return block;
+  throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+  std::free(block);
+}
+void operator delete(void* block, size_t) noexcept {
+  std::free(block);
+}
 
 namespace {
 
@@ -299,6 +318,14 @@ TYPED_TEST(CmmStrUtil, MatchHoldsTextsOfThousandsOfUnitsOnTheStack) {
   const std::basic_string<TypeParam> text(20000, TC('A'));
   const std::basic_string<TypeParam> pattern = std::basic_string<TypeParam>(19999, TC('a')) + TC('*');
   EXPECT_EQ(match<TypeParam>(text.c_str(), pattern.c_str(), TC(';'), 0), 1);
+}
+
+TYPED_TEST(CmmStrUtil, MatchTakesNothingFromTheHeap) {
+  const std::basic_string<TypeParam> text(500, TC('A'));
+  const size_t before = allocations;
+  EXPECT_GT(before, 0u);
+  EXPECT_EQ(match<TypeParam>(text.c_str(), TX("x;*a"), TC(';'), 0), 1);
+  EXPECT_EQ(allocations, before);
 }
 
 }  // namespace
