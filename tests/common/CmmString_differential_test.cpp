@@ -56,13 +56,38 @@ enum class Op {
   kCount,
 };
 
-const char* const kOpNames[] = {
-    "append",         "append part",    "append fill",       "assign",           "assign part",  "insert",
-    "insert part",    "insert fill",    "insert at iterator", "erase",           "erase at iterator",
-    "replace",        "replace part",   "replace fill",      "replace iterators", "push_back",   "resize",
-    "resize fill",    "reserve",        "clear",             "at",               "substr",       "compare",
-    "compare part",   "compare parts",  "find",              "rfind",            "find_first_of",
-    "find_last_of",   "find_first_not_of", "find_last_not_of", "iterate"};
+const char* const kOpNames[] = {"append",
+                                "append part",
+                                "append fill",
+                                "assign",
+                                "assign part",
+                                "insert",
+                                "insert part",
+                                "insert fill",
+                                "insert at iterator",
+                                "erase",
+                                "erase at iterator",
+                                "replace",
+                                "replace part",
+                                "replace fill",
+                                "replace iterators",
+                                "push_back",
+                                "resize",
+                                "resize fill",
+                                "reserve",
+                                "clear",
+                                "at",
+                                "substr",
+                                "compare",
+                                "compare part",
+                                "compare parts",
+                                "find",
+                                "rfind",
+                                "find_first_of",
+                                "find_last_of",
+                                "find_first_not_of",
+                                "find_last_not_of",
+                                "iterate"};
 static_assert(std::size(kOpNames) == static_cast<size_t>(Op::kCount));
 
 template <typename T>
@@ -154,15 +179,19 @@ void Apply(Str& s, const Step<T>& step, Outcome<T>& out) {
     case Op::kInsertFill:
       s.insert(step.a, step.b % 20, step.unit);
       break;
-    case Op::kInsertAtIterator:
-      out.number = static_cast<size_t>(s.insert(from(), step.unit) - s.begin());
+    case Op::kInsertAtIterator: {
+      const auto inserted = s.insert(from(), step.unit);
+      out.number = static_cast<size_t>(inserted - s.begin());
       break;
+    }
     case Op::kErase:
       s.erase(step.a, step.b);
       break;
-    case Op::kEraseAtIterator:
-      out.number = static_cast<size_t>(s.erase(from(), to()) - s.begin());
+    case Op::kEraseAtIterator: {
+      const auto behind = s.erase(from(), to());
+      out.number = static_cast<size_t>(behind - s.begin());
       break;
+    }
     case Op::kReplace:
       if (step.form == Form::kCounted) {
         s.replace(step.a, step.b, step.text.data(), step.text.size());
@@ -268,7 +297,8 @@ class Generator {
     if (length > kMaxLength) step.op = Op::kResize;
     step.form = static_cast<Form>(Below(kForms));
     step.text.resize(Below(4) ? Below(6) : Below(40));
-    for (T& unit : step.text) unit = Unit();
+    for (T& unit : step.text)
+      unit = Unit();
     step.unit = Unit();
     step.a = Position(length);
     step.b = Position(length);
@@ -312,7 +342,8 @@ std::string Print(const std::vector<Step<T>>& steps) {
     out << "  " << kOpNames[static_cast<size_t>(step.op)] << " form " << static_cast<int>(step.form) << " ("
         << step.a << ", " << step.b << ", " << step.c << ", " << step.d << ") unit "
         << static_cast<unsigned>(step.unit) << " text";
-    for (T unit : step.text) out << ' ' << static_cast<unsigned>(unit);
+    for (T unit : step.text)
+      out << ' ' << static_cast<unsigned>(unit);
     out << '\n';
   }
   return out.str();

@@ -9,20 +9,21 @@ using namespace cmm_string_testing;
 template <typename T>
 class CmmStringEdit : public testing::Test {
  public:
-  using S = Cmm::CStringT<T>;
+  using String = Cmm::CStringT<T>;
   static constexpr const T* kNull = nullptr;
 
   // Applies `change` to a string of `text` and gives what it holds then.
   template <typename Change>
   static std::basic_string<T> After(const std::basic_string<T>& text, Change change) {
-    S s(text);
+    String s(text);
     change(s);
     return Text(s);
   }
 };
 TYPED_TEST_SUITE(CmmStringEdit, Widths, WidthNames);
 
-// ---- Case and order -----------------------------------------------------------------------------------------
+// ---- Case and order
+// -----------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, CaseChangesAsciiLettersOnly) {
   const auto upper = [](auto& s) { s.MakeUpper(); };
@@ -46,7 +47,8 @@ TYPED_TEST(CmmStringEdit, ReversesTheWholeStoredText) {
   EXPECT_EQ(this->After(TXS(""), reverse), TXS(""));
 }
 
-// ---- Trim ---------------------------------------------------------------------------------------------------
+// ---- Trim
+// ---------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, TrimsExactlyFourWhitespaceUnits) {
   EXPECT_EQ(this->After(TXS("\t\n\r a b \r\n\t"), [](auto& s) { s.Trim(); }), TXS("a b"));
@@ -91,10 +93,11 @@ TYPED_TEST(CmmStringEdit, AnEmptyOrNullSetTrimsNothing) {
   EXPECT_EQ(this->After(TXS(""), [](auto& s) { s.Trim(TX("x")); }), TXS(""));
 }
 
-// ---- Delete and Remove --------------------------------------------------------------------------------------
+// ---- Delete and Remove
+// --------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, DeleteAnswersTheChangeOfLength) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("abc"));
   EXPECT_EQ(s.Delete(1, 1), -1);
   EXPECT_EQ(Text(s), TXS("ac"));
@@ -108,7 +111,7 @@ TYPED_TEST(CmmStringEdit, DeleteAnswersTheChangeOfLength) {
 }
 
 TYPED_TEST(CmmStringEdit, RemoveAnswersHowMany) {
-  typename TestFixture::S s(TXS("abac\0a"));
+  typename TestFixture::String s(TXS("abac\0a"));
   EXPECT_EQ(s.Remove(TC('a')), 3);
   EXPECT_EQ(Text(s), TXS("bc\0"));
   EXPECT_EQ(s.Remove(TC('x')), 0);
@@ -117,13 +120,14 @@ TYPED_TEST(CmmStringEdit, RemoveAnswersHowMany) {
 }
 
 TYPED_TEST(CmmStringEdit, RemoveBlanksTakesWhitespaceAnywhere) {
-  typename TestFixture::S s(TX(" a\tb\r\nc\vd\f "));
+  typename TestFixture::String s(TX(" a\tb\r\nc\vd\f "));
   EXPECT_EQ(s.RemoveBlanks(), 5);
   EXPECT_EQ(Text(s), TXS("abc\vd\f"));
   EXPECT_EQ(s.RemoveBlanks(), 0);
 }
 
-// ---- Replace ------------------------------------------------------------------------------------------------
+// ---- Replace
+// ------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, ReplaceDoesNotScanWhatItPutIn) {
   EXPECT_EQ(this->After(TXS("aaa"), [](auto& s) { s.Replace(TX("a"), TX("aa")); }), TXS("aaaaaa"));
@@ -148,7 +152,7 @@ TYPED_TEST(CmmStringEdit, ReplaceByNullOrNothingDeletes) {
 }
 
 TYPED_TEST(CmmStringEdit, ReplaceByStringsCountsEmbeddedNuls) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(this->After(TXS("a\0b\0c"), [](auto& s) { s.Replace(S(TXS("\0")), S(TXS("-\0-"))); }),
             TXS("a-\0-b-\0-c"));
   EXPECT_EQ(this->After(TXS("abc"), [](auto& s) { s.Replace(S(), S(TX("x"))); }), TXS("abc"));
@@ -164,7 +168,8 @@ TYPED_TEST(CmmStringEdit, ReplaceOfAUnitReachesBehindNuls) {
   EXPECT_EQ(this->After(TXS("a\0a"), [](auto& s) { s.Replace(TC(0), TC('-')); }), TXS("a-a"));
 }
 
-// ---- XML ----------------------------------------------------------------------------------------------------
+// ---- XML
+// ----------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, EncodesTheFiveNamedCharacters) {
   const auto encode = [](auto& s) { s.XMLEncode(); };
@@ -221,10 +226,11 @@ TEST(CmmStringXml, TheNarrowClassKnowsNoBrackets) {
   EXPECT_EQ(Text(s), "&#x2329;&#x232a;&#x300a;&#x300b;");
 }
 
-// ---- Concatenation ------------------------------------------------------------------------------------------
+// ---- Concatenation
+// ------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, AppendsEverySource) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TXS("o\0r"));
   S s(TX("s"));
   EXPECT_EQ(&(s += TX("p")), &s);
@@ -236,7 +242,7 @@ TYPED_TEST(CmmStringEdit, AppendsEverySource) {
 }
 
 TYPED_TEST(CmmStringEdit, AddsEverySourceToACopy) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TXS("o\0r"));
   const S s(TX("s"));
   EXPECT_EQ(Text(s + TX("p")), TXS("sp"));
@@ -248,7 +254,7 @@ TYPED_TEST(CmmStringEdit, AddsEverySourceToACopy) {
 }
 
 TYPED_TEST(CmmStringEdit, SkipsANullOrEmptyOperand) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("s"));
   s += TestFixture::kNull;
   s += TX("");

@@ -46,7 +46,7 @@ namespace Cmm {
 // - "Whitespace" is tab, line feed, carriage return and space, and nothing else.
 // - "Ignoring case" is the system's comparison under the user's locale, or tolower/towlower, as stated.
 // - Ranges and pointers into the text are invalid after any change. A source may be a part of the string
-//   that takes it, except among the arguments of Format and FormatMessageW.
+//   that takes it, except among the arguments of Format behind the format.
 // - The standard string's exceptions (std::out_of_range, std::bad_alloc, std::length_error) pass through;
 //   nothing else is raised.
 // - No lock: concurrent reading is safe, a write needs the caller's synchronisation.
@@ -69,7 +69,7 @@ class CStringT {
 
   static constexpr size_t npos = StdString::npos;  // "not found", "up to the end"
 
-  // Tags that select an overload of Find.
+  // Tags that select an overload of Find, as in `s.Find(L'x', CString::reverse, 0)`.
   enum type_reverse { reverse };
   enum type_nocase { nocase };
   enum type_reverse_nocase { reverse_nocase };
