@@ -103,15 +103,9 @@ size_t EstimateSize(const wchar_t* src, size_t len) {
   return len > kAllOnes / 4 ? kAllOnes : len * 4;
 }
 
-// Put text of either width into `dst`; the answer is the number of units written.
 template <typename T>
 size_t Put(T* dst, size_t cap, const T* src, size_t len) {
-  if (len > cap) {
-    detail::Clear(dst, cap);
-    return 0;
-  }
-  std::copy_n(src, len, dst);
-  return len;
+  return detail::CheckedCopy(dst, cap, src, len);
 }
 
 template <typename To, typename From>
@@ -124,13 +118,10 @@ void Set(CStringT<To>& target, size_t offset, const From* src, size_t len) {
   if (src == nullptr) return;
   if (len == kAllOnes) len = std::char_traits<From>::length(src);
   if (len == 0) return;
-
-  // The estimate is of the other width's units even where no width changes, and the room is cut to it:
+  // The room is estimated in the other width's units even where the width stays, so a copy may be refused:
   // all four forms share this shape.
-  const size_t estimate = EstimateSize(src, len);
-  const size_t size = offset + 1 + estimate;
-  To* const buffer = target.GetBuffer(size > offset ? size : kAllOnes);  // an overflow: std::length_error
-  target.SetLength(offset + Put(buffer + offset, estimate, src, len));
+  detail::PutBehind(target, offset, EstimateSize(src, len),
+                    [=](To* dst, size_t cap) { return Put(dst, cap, src, len); });
 }
 
 class ScopedVariant {
