@@ -1,5 +1,7 @@
 // UTF-16 to UTF-8 and back through the converting strings, each beside its floor in the same run: one
-// system call into a buffer that is ready. The closing lines print the ratio of the two.
+// system call into a buffer that is ready. The closing lines print the ratio of the two. The string must
+// also have a block of the heap to keep its text in, which the floor does not count; `heap_block` is its
+// price.
 
 #include <windows.h>
 
@@ -66,6 +68,14 @@ void ToUtf16Floor(benchmark::State& state, const std::string& utf8) {
   }
 }
 
+void HeapBlock(benchmark::State& state, size_t size) {
+  for (auto _ : state) {
+    void* block = ::operator new(size);
+    benchmark::DoNotOptimize(block);
+    ::operator delete(block);
+  }
+}
+
 constexpr char kFloorSuffix[] = "/floor";
 
 // Prints the usual table, and at the end how many times its floor each conversion costs, by the median of
@@ -117,6 +127,7 @@ int main(int argc, char** argv) {
     Register(std::string("to_utf16_") + kind, ToUtf16, utf8);
     Register(std::string("to_utf16_") + kind + kFloorSuffix, ToUtf16Floor, utf8);
   }
+  Register("heap_block", HeapBlock, kUnits + 1);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   RatioReporter reporter;
