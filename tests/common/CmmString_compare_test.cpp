@@ -9,7 +9,7 @@ using namespace cmm_string_testing;
 template <typename T>
 class CmmStringCompare : public testing::Test {
  public:
-  using S = Cmm::CStringT<T>;
+  using String = Cmm::CStringT<T>;
   static constexpr const T* kNull = nullptr;
 };
 TYPED_TEST_SUITE(CmmStringCompare, Widths, WidthNames);
@@ -17,7 +17,7 @@ TYPED_TEST_SUITE(CmmStringCompare, Widths, WidthNames);
 // ---- Compare ----------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, CompareOrdersByUnits) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TX("abc")).Compare(TX("abc")), 0);
   EXPECT_LT(S(TX("abc")).Compare(TX("abd")), 0);
   EXPECT_GT(S(TX("abd")).Compare(TX("abc")), 0);
@@ -29,7 +29,7 @@ TYPED_TEST(CmmStringCompare, CompareOrdersByUnits) {
 }
 
 TYPED_TEST(CmmStringCompare, ComparePutsAnEmptyStringBelowAnyOther) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S().Compare(TX("x")), -1);
   EXPECT_EQ(S().Compare(S(TX("x"))), -1);
   EXPECT_EQ(S().Compare(TX("")), 0);
@@ -38,12 +38,12 @@ TYPED_TEST(CmmStringCompare, ComparePutsAnEmptyStringBelowAnyOther) {
 }
 
 TYPED_TEST(CmmStringCompare, ComparePutsTextAboveNull) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TX("x")).Compare(TestFixture::kNull), 1);
 }
 
 TYPED_TEST(CmmStringCompare, CompareStopsAtTheFirstNul) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TXS("a\0b")).Compare(TX("a")), 0);
   EXPECT_EQ(S(TXS("a\0b")).Compare(S(TXS("a\0c"))), 0);
 }
@@ -51,7 +51,7 @@ TYPED_TEST(CmmStringCompare, CompareStopsAtTheFirstNul) {
 // ---- CompareNoCase ----------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, CompareNoCaseAnswersMinusOneZeroOrOne) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TX("ABC")).CompareNoCase(TX("abc")), 0);
   EXPECT_EQ(S(TX("ABC")).CompareNoCase(S(TX("abc"))), 0);
   EXPECT_EQ(S(TX("ABC")).CompareNoCase(TX("abd")), -1);
@@ -60,27 +60,27 @@ TYPED_TEST(CmmStringCompare, CompareNoCaseAnswersMinusOneZeroOrOne) {
 }
 
 TYPED_TEST(CmmStringCompare, CompareNoCaseTreatsTheEmptiesTheOppositeWayToCompare) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S().CompareNoCase(TX("x")), 1);
   EXPECT_EQ(S().CompareNoCase(S(TX("x"))), 1);
   EXPECT_EQ(S(TX("x")).CompareNoCase(TestFixture::kNull), -1);
 }
 
 TYPED_TEST(CmmStringCompare, CompareNoCaseOfTwoEmptiesIsEqual) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S().CompareNoCase(TX("")), 0);
   EXPECT_EQ(S().CompareNoCase(S()), 0);
   EXPECT_EQ(S().CompareNoCase(TestFixture::kNull), 0);
 }
 
 TYPED_TEST(CmmStringCompare, CompareNoCaseOfTextWithAnEmptyTextIsTheSystemsAnswer) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TX("x")).CompareNoCase(TX("")), 1);
   EXPECT_EQ(S(TX("x")).CompareNoCase(S()), 1);
 }
 
 TYPED_TEST(CmmStringCompare, CompareNoCaseStopsAtTheFirstNul) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TXS("a\0b")).CompareNoCase(TX("A")), 0);
 }
 
@@ -92,7 +92,7 @@ TEST(CmmStringCompareLocale, CompareNoCaseFoldsLettersBeyondAscii) {
 // ------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, StartsWithAndEndsWith) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abcdef"));
   EXPECT_TRUE(s.StartsWith(TX("abc"), true));
   EXPECT_FALSE(s.StartsWith(TX("abd"), true));
@@ -109,7 +109,7 @@ TYPED_TEST(CmmStringCompare, StartsWithAndEndsWith) {
 }
 
 TYPED_TEST(CmmStringCompare, TheWholeStringIsItsOwnBeginningAndEnd) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_TRUE(s.StartsWith(s, true));
   EXPECT_TRUE(s.EndsWith(s, true));
@@ -118,7 +118,7 @@ TYPED_TEST(CmmStringCompare, TheWholeStringIsItsOwnBeginningAndEnd) {
 }
 
 TYPED_TEST(CmmStringCompare, AnEmptyTextMatchesEverywhere) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S(TX("abc")).StartsWith(S(), true));
   EXPECT_TRUE(S(TX("abc")).EndsWith(S(), false));
   EXPECT_TRUE(S().MatchWith(S(), true, true));
@@ -126,7 +126,7 @@ TYPED_TEST(CmmStringCompare, AnEmptyTextMatchesEverywhere) {
 }
 
 TYPED_TEST(CmmStringCompare, BeginningsAreComparedUpToTheFirstNulOnly) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S(TXS("a\0b")).StartsWith(TXS("a\0X"), true));
   EXPECT_TRUE(S(TXS("a\0b")).EndsWith(TXS("A\0X"), false));
 }
@@ -135,18 +135,18 @@ TYPED_TEST(CmmStringCompare, BeginningsAreComparedUpToTheFirstNulOnly) {
 // ----------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, MatchesBySecondAlternative) {
-  EXPECT_EQ(typename TestFixture::S(TX("abc")).Match(TX("*.txt;a?c"), TC(';'), 1), 1);
-  EXPECT_EQ(typename TestFixture::S(TX("abd")).Match(TX("*.txt;a?c"), TC(';'), 1), 0);
+  EXPECT_EQ(typename TestFixture::String(TX("abc")).Match(TX("*.txt;a?c"), TC(';'), 1), 1);
+  EXPECT_EQ(typename TestFixture::String(TX("abd")).Match(TX("*.txt;a?c"), TC(';'), 1), 0);
 }
 
 TYPED_TEST(CmmStringCompare, MatchIgnoresCaseOnDemand) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TX("Readme.TXT")).Match(TX("*.txt"), TC(';'), 0), 1);
   EXPECT_EQ(S(TX("Readme.TXT")).Match(TX("*.txt"), TC(';'), 1), 0);
 }
 
 TYPED_TEST(CmmStringCompare, NothingMatchesAnEmptyStringOrAnEmptyPattern) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S().Match(TX("*"), TC(';'), 1), 0);
   EXPECT_EQ(S(TX("abc")).Match(TX(""), TC(';'), 1), 0);
   EXPECT_EQ(S(TX("abc")).Match(TestFixture::kNull, TC(';'), 1), 0);
@@ -156,7 +156,7 @@ TYPED_TEST(CmmStringCompare, NothingMatchesAnEmptyStringOrAnEmptyPattern) {
 // ----------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, EqualityOfStringsCountsEmbeddedNuls) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S(TXS("a\0b")) == S(TXS("a\0b")));
   EXPECT_FALSE(S(TXS("a\0b")) == S(TXS("a\0c")));
   EXPECT_TRUE(S(TXS("a\0b")) != S(TXS("a")));
@@ -168,14 +168,14 @@ TYPED_TEST(CmmStringCompare, EqualityOfStringsCountsEmbeddedNuls) {
 }
 
 TYPED_TEST(CmmStringCompare, EqualityWithAPointerStopsAtTheFirstNul) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S(TXS("a\0b")) == TX("a"));
   EXPECT_FALSE(S(TXS("a\0b")) != TX("a"));
   EXPECT_TRUE(S(TX("a")) != TX("b"));
 }
 
 TYPED_TEST(CmmStringCompare, OnlyAnEmptyStringEqualsNull) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S() == TestFixture::kNull);
   EXPECT_TRUE(S() == TX(""));
   EXPECT_FALSE(S() == TX("a"));
@@ -187,7 +187,7 @@ TYPED_TEST(CmmStringCompare, OnlyAnEmptyStringEqualsNull) {
 }
 
 TYPED_TEST(CmmStringCompare, OrderPutsAnEmptyStringBeforeAnyOther) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S() < S(TX("a")));
   EXPECT_FALSE(S(TX("a")) < S());
   EXPECT_FALSE(S() < S());
@@ -198,7 +198,7 @@ TYPED_TEST(CmmStringCompare, OrderPutsAnEmptyStringBeforeAnyOther) {
 }
 
 TYPED_TEST(CmmStringCompare, OrderStopsAtTheFirstNul) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_TRUE(S(TX("a")) < S(TX("b")));
   EXPECT_TRUE(S(TX("b")) > S(TX("a")));
   EXPECT_FALSE(S(TX("a")) < S(TX("a")));

@@ -20,16 +20,16 @@ using testing::NotNull;
 template <typename T>
 class CmmStringCore : public testing::Test {
  public:
-  using S = Cmm::CStringT<T>;
-  using Std = std::basic_string<T>;
+  using String = Cmm::CStringT<T>;
+  using Standard = std::basic_string<T>;
 };
 TYPED_TEST_SUITE(CmmStringCore, Widths, WidthNames);
 
 // ---- Layout -------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCore, IsATableOfVirtualsAndAStandardStringAndNothingElse) {
-  using S = typename TestFixture::S;
-  using Std = typename TestFixture::Std;
+  using S = typename TestFixture::String;
+  using Std = typename TestFixture::Standard;
   EXPECT_EQ(sizeof(S), sizeof(void*) + sizeof(Std));
   EXPECT_TRUE(std::has_virtual_destructor_v<S>);
   const S s(TX("abc"));
@@ -38,11 +38,11 @@ TYPED_TEST(CmmStringCore, IsATableOfVirtualsAndAStandardStringAndNothingElse) {
 
 TYPED_TEST(CmmStringCore, DestroysAnHeirThroughABasePointer) {
   static bool destroyed;
-  struct Heir : TestFixture::S {
+  struct Heir : TestFixture::String {
     ~Heir() override { destroyed = true; }
   };
   destroyed = false;
-  typename TestFixture::S* s = new Heir;
+  typename TestFixture::String* s = new Heir;
   delete s;
   EXPECT_TRUE(destroyed);
 }
@@ -50,32 +50,32 @@ TYPED_TEST(CmmStringCore, DestroysAnHeirThroughABasePointer) {
 // ---- Construction -------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCore, IsEmptyByDefault) {
-  const typename TestFixture::S s;
+  const typename TestFixture::String s;
   EXPECT_EQ(s.GetLength(), 0u);
   EXPECT_EQ(s.IsEmpty(), 1);
   EXPECT_EQ(*s.c_str(), TC(0));
 }
 
 TYPED_TEST(CmmStringCore, TakesANullPointerAsEmpty) {
-  const typename TestFixture::S s(static_cast<const TypeParam*>(nullptr));
+  const typename TestFixture::String s(static_cast<const TypeParam*>(nullptr));
   EXPECT_EQ(s.IsEmpty(), 1);
 }
 
 TYPED_TEST(CmmStringCore, TakesATextUpToItsNul) {
-  const typename TestFixture::S s(TX("ab\0c"));
+  const typename TestFixture::String s(TX("ab\0c"));
   EXPECT_EQ(Text(s), TXS("ab"));
   EXPECT_EQ(s.IsEmpty(), 0);
 }
 
 TYPED_TEST(CmmStringCore, TakesExactlyTheCountedUnitsNulsIncluded) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(Text(S(TX("ab\0c"), 4)), TXS("ab\0c"));
   EXPECT_EQ(Text(S(TX("abc"), 2)), TXS("ab"));
   EXPECT_EQ(Text(S(TX("abc"), 0)), TXS(""));
 }
 
 TYPED_TEST(CmmStringCore, TakesTheFirstUnitsOfAnotherAndNotThoseFromAnOffset) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TX("abcdef"));
   EXPECT_EQ(Text(S(other, 2)), TXS("ab"));
   EXPECT_EQ(Text(S(other, 0)), TXS(""));
@@ -84,25 +84,25 @@ TYPED_TEST(CmmStringCore, TakesTheFirstUnitsOfAnotherAndNotThoseFromAnOffset) {
 
 // The unit behind the text is its terminator, so one too many is still a legal read.
 TYPED_TEST(CmmStringCore, DoesNotClampTheCountToTheLengthOfTheOther) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TX("abc"));
   EXPECT_EQ(Text(S(other, 4)), TXS("abc\0"));
 }
 
 TYPED_TEST(CmmStringCore, TakesAStandardStringWithItsNuls) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(Text(S(TXS("a\0b"))), TXS("a\0b"));
 }
 
 TYPED_TEST(CmmStringCore, TakesARangeAndTheNullRange) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S source(TX("abcdef"));
   EXPECT_EQ(Text(S(source.Mid(1, 3))), TXS("bcd"));
   EXPECT_EQ(Text(S(source.Mid(9))), TXS(""));
 }
 
 TYPED_TEST(CmmStringCore, CopiesAreIndependent) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S a(TX("a text that is too long for the buffer inside the object"));
   S b(a);
   b.SetAt(0, TC('X'));
@@ -111,7 +111,7 @@ TYPED_TEST(CmmStringCore, CopiesAreIndependent) {
 }
 
 TYPED_TEST(CmmStringCore, MovesTheBufferOfALongText) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S a(TX("a text that is too long for the buffer inside the object"));
   const TypeParam* buffer = a.c_str();
   S b(std::move(a));
@@ -127,7 +127,7 @@ TYPED_TEST(CmmStringCore, MovesTheBufferOfALongText) {
 // ---- Assignment ---------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCore, AssignsFromEverySource) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TXS("o\0r"));
   S s;
   EXPECT_EQ(&(s = other), &s);
@@ -145,7 +145,7 @@ TYPED_TEST(CmmStringCore, AssignsFromEverySource) {
 }
 
 TYPED_TEST(CmmStringCore, AssignTakesTheSameSourcesAndAPointerWithALength) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TXS("o\0r"));
   S s;
   EXPECT_EQ(&s.Assign(other), &s);
@@ -159,7 +159,7 @@ TYPED_TEST(CmmStringCore, AssignTakesTheSameSourcesAndAPointerWithALength) {
 }
 
 TYPED_TEST(CmmStringCore, AssigningANullPointerClears) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const TypeParam* null = nullptr;
   S s(TX("abc"));
   s = null;
@@ -173,7 +173,7 @@ TYPED_TEST(CmmStringCore, AssigningANullPointerClears) {
 }
 
 TYPED_TEST(CmmStringCore, TakesAPartOfItself) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("abcdef"));
   s = s.Mid(2, 3);
   EXPECT_EQ(Text(s), TXS("cde"));
@@ -191,7 +191,7 @@ TYPED_TEST(CmmStringCore, TakesAPartOfItself) {
 // ---- Assignment from the other width --------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCore, TakesTheOtherWidthFromEverySource) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   using Other = typename S::OtherChar;
   const std::basic_string<Other> text(Pick<Other>("text", L"text"));
   S s(TX("old"));
@@ -206,14 +206,14 @@ TYPED_TEST(CmmStringCore, TakesTheOtherWidthFromEverySource) {
 }
 
 TYPED_TEST(CmmStringCore, TheOtherWidthReplacesALongerText) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("a text that is longer than the new one"));
   s.AssignOther(Pick<typename S::OtherChar>("new", L"new"));
   EXPECT_EQ(Text(s), TXS("new"));
 }
 
 TYPED_TEST(CmmStringCore, AnEmptySourceOfTheOtherWidthLeavesTheTextAsItWas) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   using Other = typename S::OtherChar;
   S s(TX("kept"));
   EXPECT_EQ(&s.AssignOther(static_cast<const Other*>(nullptr)), &s);
@@ -264,7 +264,7 @@ class Variant {
 };
 
 TYPED_TEST(CmmStringCore, TakesTheTextOfABstrVariant) {
-  typename TestFixture::S s(TX("old"));
+  typename TestFixture::String s(TX("old"));
   const Variant variant(L"a text");
   EXPECT_EQ(&s.Assign(variant.get(), 0), &s);
   EXPECT_EQ(Text(s), TXS("a text"));
@@ -274,14 +274,14 @@ TYPED_TEST(CmmStringCore, TakesTheTextOfABstrVariant) {
 }
 
 TYPED_TEST(CmmStringCore, ANullBstrClears) {
-  typename TestFixture::S s(TX("old"));
+  typename TestFixture::String s(TX("old"));
   s.Assign(Variant(nullptr).get(), 0);
   EXPECT_EQ(s.IsEmpty(), 1);
 }
 
 TYPED_TEST(CmmStringCore, AnyOtherVariantEndsEmptyEvenWhenAConversionIsAskedFor) {
   const Variant number(42);
-  typename TestFixture::S s(TX("old"));
+  typename TestFixture::String s(TX("old"));
   s.Assign(number.get(), 0);
   EXPECT_EQ(s.IsEmpty(), 1);
   s = TX("old");
@@ -302,7 +302,7 @@ concept SwapsWithItsOwnKind = requires(S& a, S& b) {
 };
 
 TYPED_TEST(CmmStringCore, SwapsWithAStandardStringOnly) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("inner"));
   auto outer = TXS("outer");
   s.Swap(outer);
@@ -316,7 +316,7 @@ TYPED_TEST(CmmStringCore, SwapsWithAStandardStringOnly) {
 // ---- Access ---------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCore, GivesUnitsByValue) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("abc"));
   EXPECT_EQ(s.GetAt(1), TC('b'));
   EXPECT_EQ(s[2], TC('c'));
@@ -326,7 +326,7 @@ TYPED_TEST(CmmStringCore, GivesUnitsByValue) {
 }
 
 TYPED_TEST(CmmStringCore, SetAtBelowTheLengthOnly) {
-  typename TestFixture::S s(TX("abc"));
+  typename TestFixture::String s(TX("abc"));
   s.SetAt(2, TC('X'));
   EXPECT_EQ(Text(s), TXS("abX"));
   EXPECT_THROW(s.SetAt(3, TC('X')), std::out_of_range);
@@ -335,15 +335,15 @@ TYPED_TEST(CmmStringCore, SetAtBelowTheLengthOnly) {
 }
 
 TYPED_TEST(CmmStringCore, PointsAtTheTextAndIntoIt) {
-  typename TestFixture::S s(TX("abc"));
+  typename TestFixture::String s(TX("abc"));
   EXPECT_EQ(s.c_str(), s.data());
   EXPECT_EQ(s.c_str(2), s.data() + 2);
   EXPECT_EQ(*s.c_str(3), TC(0));
 }
 
 TYPED_TEST(CmmStringCore, GivesTheInnerStandardString) {
-  using S = typename TestFixture::S;
-  using Std = typename TestFixture::Std;
+  using S = typename TestFixture::String;
+  using Std = typename TestFixture::Standard;
   S s(TX("abc"));
   EXPECT_EQ(&s.GetData(), &s.GetCData());
   const Std& converted = s;
@@ -355,7 +355,7 @@ TYPED_TEST(CmmStringCore, GivesTheInnerStandardString) {
 // ---- Buffers --------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCore, SetLengthFillsWithNulsAndCuts) {
-  typename TestFixture::S s(TX("abc"));
+  typename TestFixture::String s(TX("abc"));
   s.SetLength(5);
   EXPECT_EQ(Text(s), TXS("abc\0\0"));
   s.SetLength(2);
@@ -363,7 +363,7 @@ TYPED_TEST(CmmStringCore, SetLengthFillsWithNulsAndCuts) {
 }
 
 TYPED_TEST(CmmStringCore, GetBufferGivesExactlyTheUnitsAskedFor) {
-  typename TestFixture::S s(TX("ab"));
+  typename TestFixture::String s(TX("ab"));
   TypeParam* buffer = s.GetBuffer(4);
   ASSERT_THAT(buffer, NotNull());
   EXPECT_EQ(buffer, s.data());
@@ -374,7 +374,7 @@ TYPED_TEST(CmmStringCore, GetBufferGivesExactlyTheUnitsAskedFor) {
 }
 
 TYPED_TEST(CmmStringCore, GetBufferBelowTheLengthShortensTheText) {
-  typename TestFixture::S s(TX("abcdef"));
+  typename TestFixture::String s(TX("abcdef"));
   EXPECT_THAT(s.GetBuffer(2), NotNull());
   EXPECT_EQ(Text(s), TXS("ab"));
   s = TX("abcdef");
@@ -383,7 +383,7 @@ TYPED_TEST(CmmStringCore, GetBufferBelowTheLengthShortensTheText) {
 }
 
 TYPED_TEST(CmmStringCore, GetBufferOfNothingIsNullAndEmpties) {
-  typename TestFixture::S s(TX("abc"));
+  typename TestFixture::String s(TX("abc"));
   EXPECT_THAT(s.GetBuffer(0), IsNull());
   EXPECT_EQ(s.IsEmpty(), 1);
   s = TX("abc");
@@ -392,7 +392,7 @@ TYPED_TEST(CmmStringCore, GetBufferOfNothingIsNullAndEmpties) {
 }
 
 TYPED_TEST(CmmStringCore, GetBufferWithoutALengthIsNullOnlyWhenEmpty) {
-  typename TestFixture::S s;
+  typename TestFixture::String s;
   EXPECT_THAT(s.GetBuffer(), IsNull());
   s = TX("abc");
   EXPECT_EQ(s.GetBuffer(), s.data());
@@ -400,7 +400,7 @@ TYPED_TEST(CmmStringCore, GetBufferWithoutALengthIsNullOnlyWhenEmpty) {
 }
 
 TYPED_TEST(CmmStringCore, ReleaseBufferCutsAtTheFirstNul) {
-  typename TestFixture::S s(TXS("ab\0cd"));
+  typename TestFixture::String s(TXS("ab\0cd"));
   s.ReleaseBuffer();
   EXPECT_EQ(Text(s), TXS("ab"));
   s = TX("whole");

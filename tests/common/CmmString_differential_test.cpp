@@ -179,15 +179,19 @@ void Apply(Str& s, const Step<T>& step, Outcome<T>& out) {
     case Op::kInsertFill:
       s.insert(step.a, step.b % 20, step.unit);
       break;
-    case Op::kInsertAtIterator:
-      out.number = static_cast<size_t>(s.insert(from(), step.unit) - s.begin());
+    case Op::kInsertAtIterator: {
+      const auto inserted = s.insert(from(), step.unit);
+      out.number = static_cast<size_t>(inserted - s.begin());
       break;
+    }
     case Op::kErase:
       s.erase(step.a, step.b);
       break;
-    case Op::kEraseAtIterator:
-      out.number = static_cast<size_t>(s.erase(from(), to()) - s.begin());
+    case Op::kEraseAtIterator: {
+      const auto behind = s.erase(from(), to());
+      out.number = static_cast<size_t>(behind - s.begin());
       break;
+    }
     case Op::kReplace:
       if (step.form == Form::kCounted) {
         s.replace(step.a, step.b, step.text.data(), step.text.size());

@@ -9,13 +9,13 @@ using namespace cmm_string_testing;
 template <typename T>
 class CmmStringEdit : public testing::Test {
  public:
-  using S = Cmm::CStringT<T>;
+  using String = Cmm::CStringT<T>;
   static constexpr const T* kNull = nullptr;
 
   // Applies `change` to a string of `text` and gives what it holds then.
   template <typename Change>
   static std::basic_string<T> After(const std::basic_string<T>& text, Change change) {
-    S s(text);
+    String s(text);
     change(s);
     return Text(s);
   }
@@ -97,7 +97,7 @@ TYPED_TEST(CmmStringEdit, AnEmptyOrNullSetTrimsNothing) {
 // --------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, DeleteAnswersTheChangeOfLength) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("abc"));
   EXPECT_EQ(s.Delete(1, 1), -1);
   EXPECT_EQ(Text(s), TXS("ac"));
@@ -111,7 +111,7 @@ TYPED_TEST(CmmStringEdit, DeleteAnswersTheChangeOfLength) {
 }
 
 TYPED_TEST(CmmStringEdit, RemoveAnswersHowMany) {
-  typename TestFixture::S s(TXS("abac\0a"));
+  typename TestFixture::String s(TXS("abac\0a"));
   EXPECT_EQ(s.Remove(TC('a')), 3);
   EXPECT_EQ(Text(s), TXS("bc\0"));
   EXPECT_EQ(s.Remove(TC('x')), 0);
@@ -120,7 +120,7 @@ TYPED_TEST(CmmStringEdit, RemoveAnswersHowMany) {
 }
 
 TYPED_TEST(CmmStringEdit, RemoveBlanksTakesWhitespaceAnywhere) {
-  typename TestFixture::S s(TX(" a\tb\r\nc\vd\f "));
+  typename TestFixture::String s(TX(" a\tb\r\nc\vd\f "));
   EXPECT_EQ(s.RemoveBlanks(), 5);
   EXPECT_EQ(Text(s), TXS("abc\vd\f"));
   EXPECT_EQ(s.RemoveBlanks(), 0);
@@ -152,7 +152,7 @@ TYPED_TEST(CmmStringEdit, ReplaceByNullOrNothingDeletes) {
 }
 
 TYPED_TEST(CmmStringEdit, ReplaceByStringsCountsEmbeddedNuls) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(this->After(TXS("a\0b\0c"), [](auto& s) { s.Replace(S(TXS("\0")), S(TXS("-\0-"))); }),
             TXS("a-\0-b-\0-c"));
   EXPECT_EQ(this->After(TXS("abc"), [](auto& s) { s.Replace(S(), S(TX("x"))); }), TXS("abc"));
@@ -230,7 +230,7 @@ TEST(CmmStringXml, TheNarrowClassKnowsNoBrackets) {
 // ------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, AppendsEverySource) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TXS("o\0r"));
   S s(TX("s"));
   EXPECT_EQ(&(s += TX("p")), &s);
@@ -242,7 +242,7 @@ TYPED_TEST(CmmStringEdit, AppendsEverySource) {
 }
 
 TYPED_TEST(CmmStringEdit, AddsEverySourceToACopy) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TXS("o\0r"));
   const S s(TX("s"));
   EXPECT_EQ(Text(s + TX("p")), TXS("sp"));
@@ -254,7 +254,7 @@ TYPED_TEST(CmmStringEdit, AddsEverySourceToACopy) {
 }
 
 TYPED_TEST(CmmStringEdit, SkipsANullOrEmptyOperand) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("s"));
   s += TestFixture::kNull;
   s += TX("");

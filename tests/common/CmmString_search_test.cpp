@@ -13,12 +13,12 @@ using testing::IsNull;
 template <typename T>
 class CmmStringSearch : public testing::Test {
  public:
-  using S = Cmm::CStringT<T>;
+  using String = Cmm::CStringT<T>;
   static constexpr const T* kNull = nullptr;
 
-  static std::vector<std::basic_string<T>> Split(const S& text, const S& sep, int mode) {
+  static std::vector<std::basic_string<T>> Split(const String& text, const String& sep, int mode) {
     std::vector<std::basic_string<T>> pieces;
-    for (const S& piece : text.SplitString(sep, mode))
+    for (const String& piece : text.SplitString(sep, mode))
       pieces.push_back(Text(piece));
     return pieces;
   }
@@ -28,7 +28,7 @@ TYPED_TEST_SUITE(CmmStringSearch, Widths, WidthNames);
 // ---- Pos --------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringSearch, PosIsTheIndexOfTheFirstOccurrence) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abcabc"));
   EXPECT_EQ(s.Pos(TX("bc")), 1);
   EXPECT_EQ(s.Pos(S(TX("ca"))), 2);
@@ -39,13 +39,13 @@ TYPED_TEST(CmmStringSearch, PosIsTheIndexOfTheFirstOccurrence) {
 }
 
 TYPED_TEST(CmmStringSearch, PosInAnEmptyStringIsMinusOneEvenForAnEmptyNeedle) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S().Pos(TX("")), -1);
   EXPECT_EQ(S().Pos(S()), -1);
 }
 
 TYPED_TEST(CmmStringSearch, PosSeesNothingBehindTheFirstNul) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   EXPECT_EQ(S(TXS("a\0b")).Pos(TX("b")), -1);
   EXPECT_EQ(S(TX("abc")).Pos(S(TXS("b\0x"))), 1);
 }
@@ -53,7 +53,7 @@ TYPED_TEST(CmmStringSearch, PosSeesNothingBehindTheFirstNul) {
 // ---- Find -------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringSearch, FindGivesAPointerIntoTheText) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abcabc"));
   EXPECT_EQ(s.Find(TC('b'), 0), s.c_str() + 1);
   EXPECT_EQ(s.Find(TC('b'), 2), s.c_str() + 4);
@@ -72,7 +72,7 @@ TYPED_TEST(CmmStringSearch, FindGivesAPointerIntoTheText) {
 }
 
 TYPED_TEST(CmmStringSearch, FindAcceptsTheEndAndAnswersNullBeyondIt) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_THAT(s.Find(TC('c'), 3), IsNull());
   EXPECT_EQ(s.Find(TX(""), 3), s.c_str() + 3);
@@ -85,7 +85,7 @@ TYPED_TEST(CmmStringSearch, FindAcceptsTheEndAndAnswersNullBeyondIt) {
 }
 
 TYPED_TEST(CmmStringSearch, FindInAnEmptyStringIsNullEvenForTheTerminator) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s;
   EXPECT_THAT(s.Find(TC(0), 0), IsNull());
   EXPECT_THAT(s.Find(TC(0), S::reverse, 0), IsNull());
@@ -96,14 +96,14 @@ TYPED_TEST(CmmStringSearch, FindInAnEmptyStringIsNullEvenForTheTerminator) {
 }
 
 TYPED_TEST(CmmStringSearch, FindFindsTheTerminator) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_EQ(s.Find(TC(0), 0), s.c_str() + 3);
   EXPECT_EQ(s.Find(TC(0), S::reverse, 0), s.c_str() + 3);
 }
 
 TYPED_TEST(CmmStringSearch, FindStopsAtTheFirstNulBehindThePosition) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TXS("a\0bb"));
   EXPECT_THAT(s.Find(TC('b'), 0), IsNull());
   EXPECT_EQ(s.Find(TC('b'), 2), s.c_str() + 2);
@@ -113,7 +113,7 @@ TYPED_TEST(CmmStringSearch, FindStopsAtTheFirstNulBehindThePosition) {
 }
 
 TYPED_TEST(CmmStringSearch, FindOfANullTextIsNull) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_THAT(s.Find(TestFixture::kNull, 0), IsNull());
   EXPECT_THAT(s.Find(TestFixture::kNull, S::nocase, 0), IsNull());
@@ -121,7 +121,7 @@ TYPED_TEST(CmmStringSearch, FindOfANullTextIsNull) {
 }
 
 TYPED_TEST(CmmStringSearch, FindOneOfIsAnIndexOrMinusOne) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TXS("ab\0cb"));
   EXPECT_EQ(s.FindOneOf(TX("xb"), 0), 1);
   EXPECT_EQ(s.FindOneOf(TX("xb"), 2), 4);
@@ -135,7 +135,7 @@ TYPED_TEST(CmmStringSearch, FindOneOfIsAnIndexOrMinusOne) {
 // ---- Parts ------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringSearch, LeftPointsIntoTheString) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_EQ(s.Left(2).begin, s.c_str());
   EXPECT_EQ(Text(s.Left(2)), TXS("ab"));
@@ -147,7 +147,7 @@ TYPED_TEST(CmmStringSearch, LeftPointsIntoTheString) {
 }
 
 TYPED_TEST(CmmStringSearch, MidRunsFromAPosition) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abcdef"));
   EXPECT_EQ(s.Mid(2).begin, s.c_str() + 2);
   EXPECT_EQ(Text(s.Mid(2)), TXS("cdef"));
@@ -165,7 +165,7 @@ TYPED_TEST(CmmStringSearch, MidRunsFromAPosition) {
 }
 
 TYPED_TEST(CmmStringSearch, RightRunsToTheEnd) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_EQ(s.Right(2).begin, s.c_str() + 1);
   EXPECT_EQ(Text(s.Right(2)), TXS("bc"));
@@ -176,7 +176,7 @@ TYPED_TEST(CmmStringSearch, RightRunsToTheEnd) {
 }
 
 TYPED_TEST(CmmStringSearch, RightCountsIn32BitsSignedSoAllOnesGivesTheNullRange) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_TRUE(s.Right(S::npos).IsNull());
   EXPECT_TRUE(s.Right(0xFFFFFFFFu).IsNull());
@@ -185,7 +185,7 @@ TYPED_TEST(CmmStringSearch, RightCountsIn32BitsSignedSoAllOnesGivesTheNullRange)
 }
 
 TYPED_TEST(CmmStringSearch, SpansCountTheLeadingUnits) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("aabbcc"));
   EXPECT_EQ(Text(s.SpanIncluding(TX("ab"))), TXS("aabb"));
   EXPECT_EQ(s.SpanIncluding(TX("ab")).begin, s.c_str());
@@ -198,7 +198,7 @@ TYPED_TEST(CmmStringSearch, SpansCountTheLeadingUnits) {
 }
 
 TYPED_TEST(CmmStringSearch, SpansTakeANullSetAsEmptyAndStopAtTheFirstNul) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TXS("ab\0ab"));
   EXPECT_TRUE(s.SpanIncluding(TestFixture::kNull).IsNull());
   EXPECT_EQ(Text(s.SpanExcluding(TestFixture::kNull)), TXS("ab"));

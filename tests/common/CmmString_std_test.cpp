@@ -13,13 +13,13 @@ using namespace cmm_string_testing;
 template <typename T>
 class CmmStringStd : public testing::Test {
  public:
-  using S = Cmm::CStringT<T>;
-  using Std = std::basic_string<T>;
+  using String = Cmm::CStringT<T>;
+  using Standard = std::basic_string<T>;
 };
 TYPED_TEST_SUITE(CmmStringStd, Widths, WidthNames);
 
 TYPED_TEST(CmmStringStd, WhatChangesTheTextGivesTheInnerStringAndNotThisObject) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("abc"));
   const auto* inner = &s.GetCData();
   EXPECT_EQ(&s.append(TX("d")), inner);
@@ -27,12 +27,12 @@ TYPED_TEST(CmmStringStd, WhatChangesTheTextGivesTheInnerStringAndNotThisObject) 
   EXPECT_EQ(&s.insert(0, TX("x")), inner);
   EXPECT_EQ(&s.erase(0, 1), inner);
   EXPECT_EQ(&s.replace(0, 1, TX("y")), inner);
-  EXPECT_TRUE((std::is_same_v<decltype(s.append(TX("d"))), typename TestFixture::Std&>));
+  EXPECT_TRUE((std::is_same_v<decltype(s.append(TX("d"))), typename TestFixture::Standard&>));
 }
 
 TYPED_TEST(CmmStringStd, SubstrIsAStandardString) {
-  const typename TestFixture::S s(TX("abcdef"));
-  EXPECT_TRUE((std::is_same_v<decltype(s.substr(1, 2)), typename TestFixture::Std>));
+  const typename TestFixture::String s(TX("abcdef"));
+  EXPECT_TRUE((std::is_same_v<decltype(s.substr(1, 2)), typename TestFixture::Standard>));
   EXPECT_EQ(s.substr(1, 2), TXS("bc"));
   EXPECT_EQ(s.substr(4), TXS("ef"));
   EXPECT_EQ(s.substr(6), TXS(""));
@@ -40,14 +40,14 @@ TYPED_TEST(CmmStringStd, SubstrIsAStandardString) {
 }
 
 TYPED_TEST(CmmStringStd, NotFoundIsAllOnes) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   EXPECT_EQ(s.find(TX("x")), ~size_t{0});
   EXPECT_EQ(S::npos, ~size_t{0});
 }
 
 TYPED_TEST(CmmStringStd, APositionBeyondTheLengthRaisesTheStandardException) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s(TX("abc"));
   const S& constant = s;
   EXPECT_THROW(s.at(3), std::out_of_range);
@@ -64,7 +64,7 @@ TYPED_TEST(CmmStringStd, APositionBeyondTheLengthRaisesTheStandardException) {
 }
 
 TYPED_TEST(CmmStringStd, TheExceptionCarriesTheStandardStringsMessage) {
-  typename TestFixture::S s(TX("abc"));
+  typename TestFixture::String s(TX("abc"));
   auto standard = TXS("abc");
   std::string ours, theirs;
   try {
@@ -82,7 +82,7 @@ TYPED_TEST(CmmStringStd, TheExceptionCarriesTheStandardStringsMessage) {
 }
 
 TYPED_TEST(CmmStringStd, EveryAppendAndAssign) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TX("other"));
   const auto standard = TXS("standard");
   S s;
@@ -108,7 +108,7 @@ TYPED_TEST(CmmStringStd, EveryAppendAndAssign) {
 }
 
 TYPED_TEST(CmmStringStd, EveryInsertEraseAndReplace) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S other(TX("other"));
   const auto standard = TXS("standard");
   S s(TX("[]"));
@@ -120,10 +120,10 @@ TYPED_TEST(CmmStringStd, EveryInsertEraseAndReplace) {
   EXPECT_EQ(*s.insert(s.cbegin(), TC('<')), TC('<'));
   EXPECT_EQ(*s.insert(s.cbegin(), 2, TC('!')), TC('!'));
   EXPECT_EQ(*s.insert(s.cend(), {TC('>'), TC('>')}), TC('>'));
-  EXPECT_EQ(*s.insert(s.cbegin(), standard.begin(), standard.begin() + 1), TC('s'));
-  EXPECT_EQ(Text(s), TXS("s!!<[--ardoother]>>"));
-  EXPECT_EQ(*s.erase(s.cbegin()), TC('!'));
-  EXPECT_EQ(*s.erase(s.cbegin(), s.cbegin() + 2), TC('<'));
+  EXPECT_EQ(*s.insert(s.cbegin(), other.begin(), other.end()), TC('o'));
+  EXPECT_EQ(Text(s), TXS("other!!<[--ardoother]>>"));
+  EXPECT_EQ(*s.erase(s.cbegin()), TC('t'));
+  EXPECT_EQ(*s.erase(s.cbegin(), s.cbegin() + 6), TC('<'));
   EXPECT_EQ(s.erase(2), TXS("<["));
   EXPECT_EQ(s.erase(), TXS(""));
 
@@ -142,7 +142,7 @@ TYPED_TEST(CmmStringStd, EveryInsertEraseAndReplace) {
 }
 
 TYPED_TEST(CmmStringStd, EveryCompare) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abc"));
   const S other(TX("xbcx"));
   const auto standard = TXS("xbcx");
@@ -161,7 +161,7 @@ TYPED_TEST(CmmStringStd, EveryCompare) {
 }
 
 TYPED_TEST(CmmStringStd, EverySearch) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   const S s(TX("abcabc"));
   const S bc(TX("bc"));
   const auto standard = TXS("bc");
@@ -198,8 +198,8 @@ TYPED_TEST(CmmStringStd, EverySearch) {
 }
 
 TYPED_TEST(CmmStringStd, EveryIterator) {
-  using S = typename TestFixture::S;
-  using Std = typename TestFixture::Std;
+  using S = typename TestFixture::String;
+  using Std = typename TestFixture::Standard;
   S s(TX("abc"));
   const S& constant = s;
   EXPECT_EQ(Std(s.begin(), s.end()), TXS("abc"));
@@ -217,10 +217,10 @@ TYPED_TEST(CmmStringStd, EveryIterator) {
 }
 
 TYPED_TEST(CmmStringStd, SizesAndStorage) {
-  using S = typename TestFixture::S;
+  using S = typename TestFixture::String;
   S s;
   EXPECT_TRUE(s.empty());
-  EXPECT_EQ(s.capacity(), typename TestFixture::Std().capacity());
+  EXPECT_EQ(s.capacity(), typename TestFixture::Standard().capacity());
   s.reserve(100);
   EXPECT_GE(s.capacity(), 100u);
   s.resize(2, TC('x'));

@@ -1,6 +1,7 @@
 #include "common/client/utility/src/CmmString.h"
 
 #include "common/client/utility/src/CmmStringCompare.inl"
+#include "common/client/utility/src/CmmStringConvert.inl"
 #include "common/client/utility/src/CmmStringCore.inl"
 #include "common/client/utility/src/CmmStringEdit.inl"
 #include "common/client/utility/src/CmmStringFormat.inl"

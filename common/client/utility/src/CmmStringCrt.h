@@ -44,6 +44,7 @@ inline const char* FindText(const char* s, const char* needle) {
   return std::strstr(s, needle);
 }
 inline const wchar_t* FindText(const wchar_t* s, const wchar_t* needle) {
+  if (!*needle) return s;  // not every runtime finds it in an empty text
   return std::wcsstr(s, needle);
 }
 
