@@ -103,15 +103,9 @@ size_t EstimateSize(const wchar_t* src, size_t len) {
   return len > kAllOnes / 4 ? kAllOnes : len * 4;
 }
 
-// Put text of either width into `dst`; the answer is the number of units written.
 template <typename T>
 size_t Put(T* dst, size_t cap, const T* src, size_t len) {
-  if (len > cap) {
-    detail::Clear(dst, cap);
-    return 0;
-  }
-  std::copy_n(src, len, dst);
-  return len;
+  return detail::CheckedCopy(dst, cap, src, len);
 }
 
 template <typename To, typename From>
@@ -124,13 +118,10 @@ void Set(CStringT<To>& target, size_t offset, const From* src, size_t len) {
   if (src == nullptr) return;
   if (len == kAllOnes) len = std::char_traits<From>::length(src);
   if (len == 0) return;
-
-  // The estimate is of the other width's units even where no width changes, and the room is cut to it:
+  // The room is estimated in the other width's units even where the width stays, so a copy may be refused:
   // all four forms share this shape.
-  const size_t estimate = EstimateSize(src, len);
-  const size_t size = offset + 1 + estimate;
-  To* const buffer = target.GetBuffer(size > offset ? size : kAllOnes);  // an overflow: std::length_error
-  target.SetLength(offset + Put(buffer + offset, estimate, src, len));
+  detail::PutBehind(target, offset, EstimateSize(src, len),
+                    [=](To* dst, size_t cap) { return Put(dst, cap, src, len); });
 }
 
 class ScopedVariant {
@@ -183,16 +174,16 @@ void _cstring_assign(CStringT<wchar_t>& target, const VARIANT& v, int change) {
 
 namespace {
 
-// Converts the text into `target`, which holds nothing else afterwards: `convert(dst, cap)` writes at most
-// `cap` units, and answers how many. A short text takes its way over the stack, so that the string
-// allocates and fills no more than it keeps.
+// Fills the empty `target` with what `convert(dst, cap)` writes into a room of `cap` units; it answers the
+// number written. A short text goes over the stack, so that the string allocates no more than it keeps and
+// is not filled with NUL first.
 template <typename To, typename Convert>
-void Fill(CStringT<To>& target, size_t size, size_t cap, Convert convert) {
+void Fill(CStringT<To>& target, size_t cap, Convert convert) {
   To onStack[1024];
   if (cap <= std::size(onStack)) {
-    target.assign(onStack, convert(onStack, cap));
+    target.GetData() = std::basic_string<To>(onStack, convert(onStack, cap));
   } else {
-    To* const buffer = target.GetBuffer(size);
+    To* const buffer = target.GetBuffer(cap + 1);
     target.SetLength(convert(buffer, cap));
   }
 }
@@ -207,10 +198,9 @@ A2BT<CP, From, To>::A2BT(const std::basic_string<From>& s) : A2BT(s.data(), s.si
 
 template <int CP, typename From, typename To>
 A2BT<CP, From, To>::A2BT(const From* s, size_t n) {
-  // A UTF-16 unit makes at most three bytes, and a byte at most one unit.
-  constexpr size_t kUnitsPerUnit = std::is_same_v<To, char> ? 4 : 1;
-  const size_t cap = kUnitsPerUnit * n;
-  Fill(*this, cap + 1, cap, [=](To* dst, size_t size) { return cmm_str_convert(CP, dst, size, s, n); });
+  // More than the three bytes that a UTF-16 unit can make; a byte makes one unit at most.
+  constexpr size_t kRoomPerUnit = std::is_same_v<To, char> ? 4 : 1;
+  Fill(*this, kRoomPerUnit * n, [=](To* dst, size_t cap) { return cmm_str_convert(CP, dst, cap, s, n); });
 }
 
 template <int CP, typename From, typename To>
@@ -235,9 +225,7 @@ A2Cmm<FromCP, ToCP>::A2Cmm(const std::string& s) : A2Cmm(s.data(), s.size()) {}
 
 template <int FromCP, int ToCP>
 A2Cmm<FromCP, ToCP>::A2Cmm(const char* s, size_t n) {
-  const size_t cap = 4 * n;
-  Fill(*this, cap + 1, cap,
-       [=](char* dst, size_t size) { return cmm_str_convert(ToCP, dst, size, FromCP, s, n); });
+  Fill(*this, 4 * n, [=](char* dst, size_t cap) { return cmm_str_convert(ToCP, dst, cap, FromCP, s, n); });
 }
 
 template <int FromCP, int ToCP>

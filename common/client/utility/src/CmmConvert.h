@@ -42,6 +42,7 @@ CMM_EXPORT void _cstring_assign(CStringT<wchar_t>& target, const VARIANT& v, int
 
 // A string that takes text of the other width on construction, in code page CP on the narrow side. Null,
 // empty and unconvertible text give the empty string; a NUL at the very end of the text is left out.
+// Copies, moves and the destructor are declared because implicit ones would not be exported.
 template <int CP, typename From, typename To>
 class A2BT : public CStringT<To> {
  public:

@@ -1,12 +1,13 @@
 #pragma once
 
-// How the code page conversions deal with the system call's failures, with the call itself left open, so
-// that each failure can be shown.
+// How the conversions deal with what the system calls answer, with the calls themselves left open, so that
+// each of their answers can be shown.
 
 #include <algorithm>
 #include <cstddef>
 
 #include "common/client/utility/src/CmmMemory.h"
+#include "common/client/utility/src/CmmString.h"
 
 namespace Cmm::detail {
 
@@ -73,6 +74,27 @@ size_t ConvertToMultiByte(int cp, char* dst, size_t cap, Call call) {
   Clear(dst, cap);
   call(flags, dst, static_cast<int>(cap));
   return LengthUpToNul(dst, cap);
+}
+
+// Copies all or nothing; the answer is the number of units written. What does not fit clears `dst`.
+template <typename T>
+size_t CheckedCopy(T* dst, size_t cap, const T* src, size_t len) {
+  if (len > cap) {
+    Clear(dst, cap);
+    return 0;
+  }
+  std::copy_n(src, len, dst);
+  return len;
+}
+
+// Keeps the first `offset` units of `target`, and puts behind them what `put(dst, cap)` writes into a
+// room of `estimate` units; it answers the number written.
+template <typename T, typename Put>
+void PutBehind(CStringT<T>& target, size_t offset, size_t estimate, Put put) {
+  const size_t size = offset + 1 + estimate;
+  const bool overflow = size <= offset;  // then the string raises std::length_error
+  T* const buffer = target.GetBuffer(overflow ? CStringT<T>::npos : size);
+  target.SetLength(offset + put(buffer + offset, estimate));
 }
 
 }  // namespace Cmm::detail
