@@ -1,0 +1,121 @@
+#include "tools/client_simulator/ClientWindow.h"
+
+#include <windows.h>
+
+#include <cwchar>
+#include <future>
+#include <system_error>
+#include <thread>
+
+namespace velm_sim {
+namespace {
+
+constexpr const wchar_t* kHostApplicationWindow = L"VelmLauncher3rdSdk_HostWindow";
+constexpr int kClassNameChars = 64;
+
+struct Outgoing {
+  COPYDATASTRUCT data{};
+  unsigned timeoutMs = 0;
+  int windows = 0;
+};
+
+BOOL CALLBACK SendToHost(HWND window, LPARAM parameter) {
+  wchar_t name[kClassNameChars] = {};
+  if (GetClassNameW(window, name, kClassNameChars) && std::wcscmp(name, kHostApplicationWindow) == 0) {
+    Outgoing& outgoing = *reinterpret_cast<Outgoing*>(parameter);
+    ++outgoing.windows;
+    SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&outgoing.data), SMTO_NORMAL,
+                        outgoing.timeoutMs, nullptr);
+  }
+  return TRUE;
+}
+
+}  // namespace
+
+class ClientWindow::Impl {
+ public:
+  Impl(const wchar_t* windowClass, Handler handler) : m_class(windowClass), m_handler(std::move(handler)) {
+    std::promise<DWORD> started;
+    std::future<DWORD> error = started.get_future();
+    m_thread = std::thread([this, &started] { Run(started); });
+    if (const DWORD code = error.get(); code != ERROR_SUCCESS) {
+      m_thread.join();
+      throw std::system_error(static_cast<int>(code), std::system_category(), "cannot make the client's window");
+    }
+  }
+
+  ~Impl() {
+    PostMessageW(m_window, WM_CLOSE, 0, 0);
+    m_thread.join();
+  }
+
+ private:
+  void Run(std::promise<DWORD>& started) {
+    const HINSTANCE instance = GetModuleHandleW(nullptr);
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.hInstance = instance;
+    windowClass.lpszClassName = m_class.c_str();
+    RegisterClassW(&windowClass);  // fails when an earlier window registered it, which serves as well
+    m_window = CreateWindowExW(WS_EX_TOOLWINDOW, m_class.c_str(), L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                               instance, this);
+    started.set_value(m_window ? ERROR_SUCCESS : GetLastError());
+    if (!m_window) return;
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+  }
+
+  static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+      case WM_NCCREATE:
+        SetWindowLongPtrW(window, GWLP_USERDATA,
+                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
+        break;
+      case WM_COPYDATA: {
+        const auto* self = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        return self->Take(*reinterpret_cast<COPYDATASTRUCT*>(lParam));
+      }
+      case WM_DESTROY:
+        PostQuitMessage(0);
+        return 0;
+      default:
+        break;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+  }
+
+  LRESULT Take(const COPYDATASTRUCT& data) const {
+    CopyData received;
+    received.windowClass = m_class;
+    received.id = data.dwData;
+    received.hasData = data.lpData != nullptr;
+    if (data.lpData) received.bytes.assign(static_cast<const char*>(data.lpData), data.cbData);
+    return m_handler(received);
+  }
+
+  const std::wstring m_class;
+  const Handler m_handler;
+  HWND m_window = nullptr;
+  std::thread m_thread;
+};
+
+ClientWindow::ClientWindow(const wchar_t* windowClass, Handler handler)
+    : m_impl(std::make_unique<Impl>(windowClass, std::move(handler))) {}
+
+ClientWindow::~ClientWindow() = default;
+
+int SendToHosts(const char* bytes, size_t size, uintptr_t id, unsigned timeoutMs) {
+  Outgoing outgoing;
+  outgoing.data.dwData = id;
+  outgoing.data.cbData = static_cast<DWORD>(size);
+  outgoing.data.lpData = const_cast<char*>(bytes);
+  outgoing.timeoutMs = timeoutMs;
+  EnumWindows(SendToHost, reinterpret_cast<LPARAM>(&outgoing));
+  return outgoing.windows;
+}
+
+int NotifyHosts(const std::string& text) {
+  return SendToHosts(text.c_str(), text.size() + 1);
+}
+
+}  // namespace velm_sim
