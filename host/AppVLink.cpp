@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "common/client/utility/src/UniqueHandle.h"
-#include "host/SystemFolders.h"
+#include "host/FileSystemView.h"
 
 namespace Cmm {
 namespace {
@@ -101,8 +101,8 @@ bool ResolveAppVLink(const wchar_t* linkPath, wchar_t* target) {
   DebugText(L"real path ", *path);
   if (!IsAppVClientTarget(*path)) return false;
   if (path->find(kLocalAppData) != std::wstring::npos) {
-    wchar_t folder[SystemFolders::kPathLimit] = {};
-    if (SystemFolders::OfThisSystem().specialFolderWide(CSIDL_LOCAL_APPDATA, folder))
+    wchar_t folder[FileSystemView::kPathLimit] = {};
+    if (FileSystemView::OfThisSystem().specialFolderWide(CSIDL_LOCAL_APPDATA, folder))
       path = ExpandLocalAppData(*path, folder);
   }
   CopyCut(target, kAppVTargetLimit, *path);

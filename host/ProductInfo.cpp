@@ -1,37 +1,18 @@
 #include "host/ProductInfo.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <span>
+#include <string_view>
 
 namespace Cmm {
 namespace {
-
-// One file of a product, and the file that may stand in its place.
-struct RequiredFile {
-  const char* name;
-  const char* alternative = nullptr;
-};
 
 constexpr RequiredFile kClientFiles[] = {
     {"Velm.exe"}, {"vPTApp.dll", "vChatApp.dll"}, {"vVideoApp.dll"}, {"basekit.dll"}};
 constexpr RequiredFile kConnectorFiles[] = {
     {"SuiteBridge.exe"}, {"edge_conf_peer.dll"}, {"hlnq.dll"}, {"hkraut.dll"}};
 constexpr RequiredFile kControllerFiles[] = {{"Panel.exe"}, {"basekit.dll"}, {"vrc_kit.dll"}};
-
-std::span<const RequiredFile> RequiredFiles(uint32_t kind) {
-  switch (kind) {
-    case kConnector:
-      return kConnectorFiles;
-    case kController:
-      return kControllerFiles;
-    default:
-      return kClientFiles;
-  }
-}
 
 // A path under construction; what does not fit is cut off, so that the path names nothing.
 class PathBuffer {
@@ -45,11 +26,15 @@ class PathBuffer {
   }
   // Drops what stands behind the first `length` characters.
   void CutTo(size_t length) {
-    std::fill(m_text.begin() + static_cast<ptrdiff_t>(length), m_text.end(), '\0');
+    std::memset(m_text.data() + length, 0, m_length - length);
     m_length = length;
   }
   size_t Length() const { return m_length; }
   const char* Text() const { return m_text.data(); }
+  std::string_view WithoutTrailingSeparator() const {
+    const std::string_view text(m_text.data(), m_length);
+    return text.substr(0, text.find_last_not_of("\\/") + 1);
+  }
 
  private:
   static constexpr size_t kLimit = 1023;
@@ -57,36 +42,48 @@ class PathBuffer {
   size_t m_length = 0;
 };
 
-bool HasFile(PathBuffer& directory, const char* name) {
+bool HasFile(const FileSystemView& view, PathBuffer& directory, const char* name) {
   const size_t length = directory.Length();
   directory.Append("\\");
   directory.Append(name);
-  const bool exists = GetFileAttributesA(directory.Text()) != INVALID_FILE_ATTRIBUTES;
+  const bool exists = view.attributes(directory.Text()) != FileSystemView::kNoAttributes;
   directory.CutTo(length);
   return exists;
 }
 
-bool IsDirectory(const char* path) {
-  const DWORD attributes = GetFileAttributesA(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+bool IsDirectory(const FileSystemView& view, const char* path) {
+  const uint32_t attributes = view.attributes(path);
+  return attributes != FileSystemView::kNoAttributes &&
+         (attributes & FileSystemView::kDirectoryAttribute) != 0;
 }
 
 }  // namespace
 
-int CheckVelmProductInfo(uint32_t kind, const char* basePath, const char* subDir,
+std::span<const RequiredFile> RequiredFiles(uint32_t kind) {
+  switch (kind) {
+    case kConnector:
+      return kConnectorFiles;
+    case kController:
+      return kControllerFiles;
+    default:
+      return kClientFiles;
+  }
+}
+
+int CheckVelmProductInfo(const FileSystemView& view, uint32_t kind, const char* basePath, const char* subDir,
                          std::vector<ProductRecord>& list) {
   if (!basePath || !subDir) return 1;
   PathBuffer directory(basePath);
   directory.Append(subDir);
-  if (!IsDirectory(directory.Text())) return 1;
+  if (!IsDirectory(view, directory.Text())) return 1;
   for (const RequiredFile& file : RequiredFiles(kind)) {
-    if (HasFile(directory, file.name)) continue;
-    if (!file.alternative || !HasFile(directory, file.alternative)) return 1;
+    if (HasFile(view, directory, file.name)) continue;
+    if (!file.alternative || !HasFile(view, directory, file.alternative)) return 1;
   }
 
   ProductRecord record;
   if (directory.Length() + 1 >= sizeof record.path) return 0;
-  std::memcpy(record.path, directory.Text(), directory.Length());
+  directory.WithoutTrailingSeparator().copy(record.path, sizeof record.path - 1);
   list.push_back(record);
   return 1;
 }

@@ -4,7 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
+
+#include "host/FileSystemView.h"
 
 namespace Cmm {
 
@@ -14,6 +17,13 @@ enum ProductKind : uint32_t {
   kConnector = 1,
   kController = 2,
 };
+
+// One file that a product's directory must hold, and the file that may stand in its place.
+struct RequiredFile {
+  const char* name;
+  const char* alternative = nullptr;
+};
+std::span<const RequiredFile> RequiredFiles(uint32_t kind);
 
 // One product that was found.
 struct ProductRecord {
@@ -30,7 +40,7 @@ static_assert(offsetof(ProductRecord, path) == 8);
 // `kind`, and appends a record if it does. Paths are in the ANSI code page.
 // Returns 1 when the directory was dealt with, whether it holds a product or not, and when a pointer is
 // null; 0 when it holds a product whose path is too long for a record.
-int CheckVelmProductInfo(uint32_t kind, const char* basePath, const char* subDir,
+int CheckVelmProductInfo(const FileSystemView& view, uint32_t kind, const char* basePath, const char* subDir,
                          std::vector<ProductRecord>& list);
 
 }  // namespace Cmm

@@ -44,34 +44,34 @@ const char* FolderNameFor(FolderName folder, uint32_t kind) {
 
 // These give what stands in front of the product's folder name.
 
-bool SpecialFolderPrefix(const SystemFolders& folders, int csidl, std::string& prefix) {
-  char path[SystemFolders::kPathLimit] = {};
-  if (!folders.specialFolder(csidl, path)) return false;
+bool SpecialFolderPrefix(const FileSystemView& view, int csidl, std::string& prefix) {
+  char path[FileSystemView::kPathLimit] = {};
+  if (!view.specialFolder(csidl, path)) return false;
   prefix = path;
   prefix += '\\';
   return true;
 }
 
-bool TempDirectoryPrefix(const SystemFolders& folders, std::string& prefix) {
-  char path[SystemFolders::kPathLimit] = {};
-  if (!folders.tempDirectory(path)) return false;
+bool TempDirectoryPrefix(const FileSystemView& view, std::string& prefix) {
+  char path[FileSystemView::kPathLimit] = {};
+  if (!view.tempDirectory(path)) return false;
   prefix = path;
   return true;
 }
 
-bool ExecutableDirectoryPrefix(const SystemFolders& folders, std::string& prefix) {
-  char path[SystemFolders::kPathLimit] = {};
-  if (!folders.executable(path)) return false;
+bool ExecutableDirectoryPrefix(const FileSystemView& view, std::string& prefix) {
+  char path[FileSystemView::kPathLimit] = {};
+  if (!view.executable(path)) return false;
   const std::string_view program = path;
   prefix = program.substr(0, program.find_last_of("\\/:") + 1);
   return true;
 }
 
-bool AppVLinkPrefix(const SystemFolders& folders, std::string& prefix) {
-  wchar_t desktop[SystemFolders::kPathLimit] = {};
-  wchar_t commonDesktop[SystemFolders::kPathLimit] = {};
-  const bool hasDesktop = folders.specialFolderWide(CSIDL_DESKTOPDIRECTORY, desktop);
-  const bool hasCommonDesktop = folders.specialFolderWide(CSIDL_COMMON_DESKTOPDIRECTORY, commonDesktop);
+bool AppVLinkPrefix(const FileSystemView& view, std::string& prefix) {
+  wchar_t desktop[FileSystemView::kPathLimit] = {};
+  wchar_t commonDesktop[FileSystemView::kPathLimit] = {};
+  const bool hasDesktop = view.specialFolderWide(CSIDL_DESKTOPDIRECTORY, desktop);
+  const bool hasCommonDesktop = view.specialFolderWide(CSIDL_COMMON_DESKTOPDIRECTORY, commonDesktop);
 
   wchar_t link[kAppVLinkPathLimit] = {};
   wchar_t target[kAppVTargetLimit] = {};
@@ -84,16 +84,16 @@ bool AppVLinkPrefix(const SystemFolders& folders, std::string& prefix) {
   return true;
 }
 
-bool FormPrefix(const SystemFolders& folders, const BaseDirectory& base, std::string& prefix) {
+bool FormPrefix(const FileSystemView& view, const BaseDirectory& base, std::string& prefix) {
   switch (base.source) {
     case Source::kSpecialFolder:
-      return SpecialFolderPrefix(folders, base.csidl, prefix);
+      return SpecialFolderPrefix(view, base.csidl, prefix);
     case Source::kTempDirectory:
-      return TempDirectoryPrefix(folders, prefix);
+      return TempDirectoryPrefix(view, prefix);
     case Source::kExecutableDirectory:
-      return ExecutableDirectoryPrefix(folders, prefix);
+      return ExecutableDirectoryPrefix(view, prefix);
     case Source::kAppVLink:
-      return AppVLinkPrefix(folders, prefix);
+      return AppVLinkPrefix(view, prefix);
   }
   return false;
 }
@@ -109,7 +109,7 @@ int CProductPathHelper::GetProductPath(int index, char** path) {
   if (!cached) {
     const BaseDirectory& base = kBaseDirectories[index];
     std::string text;
-    if (!FormPrefix(*m_folders, base, text)) return kProductPathNotFormed;
+    if (!FormPrefix(*m_view, base, text)) return kProductPathNotFormed;
     text += FolderNameFor(base.folder, kind);
     text += '\\';
     if (text.size() >= kBaseLimit) return kProductPathNotFormed;
@@ -124,7 +124,7 @@ int CProductPathHelper::GetProductPath(int index, char** path) {
 
 int CProductPathHelper::CheckVelmProductInfo(const char* basePath, const char* subDir,
                                              std::vector<ProductRecord>& list) const {
-  return Cmm::CheckVelmProductInfo(kind, basePath, subDir, list);
+  return Cmm::CheckVelmProductInfo(*m_view, kind, basePath, subDir, list);
 }
 
 int CProductPathHelper::ScanBinDirs(const char* base, std::vector<ProductRecord>& list) const {

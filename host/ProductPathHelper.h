@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/ProductInfo.h"
-#include "host/SystemFolders.h"
+#include "host/FileSystemView.h"
 
 namespace Cmm {
 
@@ -28,8 +28,8 @@ class CProductPathHelper {
   static constexpr int kBaseCount = 10;
   static constexpr size_t kBaseLimit = 1024;  // bytes of a base directory, with its terminator
 
-  explicit CProductPathHelper(const SystemFolders& folders = SystemFolders::OfThisSystem())
-      : m_folders(&folders) {}
+  explicit CProductPathHelper(const FileSystemView& view = FileSystemView::OfThisSystem())
+      : m_view(&view) {}
   CProductPathHelper(const CProductPathHelper&) = delete;
   CProductPathHelper& operator=(const CProductPathHelper&) = delete;
 
@@ -52,7 +52,7 @@ class CProductPathHelper {
 
  private:
   std::array<std::unique_ptr<char[]>, kBaseCount> m_paths;
-  const SystemFolders* m_folders;
+  const FileSystemView* m_view;
 };
 
 }  // namespace Cmm
