@@ -1,27 +1,9 @@
 #include "common/client/utility/src/CmmStrUtil.h"
 
-#include <cstdlib>
 #include <limits>
-#include <new>
 
+#include "tests/common/AllocationCount.h"
 #include "tests/common/CmmStringTesting.h"
-
-namespace {
-size_t allocations = 0;
-}  // namespace
-
-// Counts what this program takes from the heap through C++.
-void* operator new(size_t size) {
-  ++allocations;
-  if (void* block = std::malloc(size)) return block;
-  throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-  std::free(block);
-}
-void operator delete(void* block, size_t) noexcept {
-  std::free(block);
-}
 
 namespace {
 
@@ -322,10 +304,10 @@ TYPED_TEST(CmmStrUtil, MatchHoldsTextsOfThousandsOfUnitsOnTheStack) {
 
 TYPED_TEST(CmmStrUtil, MatchTakesNothingFromTheHeap) {
   const std::basic_string<TypeParam> text(500, TC('A'));
-  const size_t before = allocations;
+  const size_t before = AllocationCount();
   EXPECT_GT(before, 0u);
   EXPECT_EQ(match<TypeParam>(text.c_str(), TX("x;*a"), TC(';'), 0), 1);
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(AllocationCount(), before);
 }
 
 }  // namespace
