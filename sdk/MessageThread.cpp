@@ -101,6 +101,10 @@ void StartMessageThread() {
   if (!record.thread) FreeLibrary(ownModule);
 }
 
+void* MessageThreadHandle() {
+  return Record().thread;
+}
+
 void StopMessageThread() {
   MessageThreadRecord& record = Record();
   // A thread that was started a moment ago has no message queue yet, and would miss the message for good.

@@ -22,6 +22,11 @@ BOOL CALLBACK SendToClientWindow(HWND window, LPARAM copyData) {
 
 }  // namespace
 
+bool IsClientWindowClass(const wchar_t* className) {
+  return std::wcscmp(className, kClientWindowClass) == 0 ||
+         std::wcscmp(className, kClientHelperWindowClass) == 0;
+}
+
 HWND__* GetVelmClientIPCWindow() {
   if (const HWND window = FindWindowW(kClientWindowClass, nullptr)) return window;
   return FindWindowW(kClientWindowClass,

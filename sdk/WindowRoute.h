@@ -17,6 +17,9 @@ inline constexpr uintptr_t kCopyDataId = 10;
 inline constexpr const wchar_t* kClientWindowClass = L"VelmPTApp_HostWindow";
 inline constexpr const wchar_t* kClientHelperWindowClass = L"VelmPTApp_VVHOST_HostWindow";
 
+// Whether a window of this class receives commands; compared with case.
+bool IsClientWindowClass(const wchar_t* className);
+
 // The client's host window, or null when the client does not run.
 HWND__* GetVelmClientIPCWindow();
 

@@ -4,12 +4,14 @@
 // pipe route, and a log capture.
 
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "sdk/MessageThread.h"
 #include "sdk/SdkImplHelper.h"
 #include "sdk/SdkMsgChannel.h"
 #include "tests/sdk/LogCapture.h"
@@ -128,7 +130,8 @@ class RecordingWindow {
   }
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
-    for (const auto& data : Received()) texts.push_back(data.Text());
+    for (const auto& data : Received())
+      texts.push_back(data.Text());
     return texts;
   }
 
@@ -147,6 +150,18 @@ inline velm_tools::FakeProductOptions ClientOfVersion(uint16_t major, uint16_t m
   return options;
 }
 
+// Runs `stop`, which stops the message thread, and waits until that thread and its window are gone: the
+// library itself does not wait, and the next test would meet them.
+template <typename Stop>
+void StopAndAwait(Stop stop) {
+  constexpr unsigned long kLimitMs = 10000;
+  void* const thread = MessageThreadHandle();
+  stop();
+  if (thread) {
+    EXPECT_EQ(WaitForSingleObject(thread, kLimitMs), WAIT_OBJECT_0);
+  }
+}
+
 // A channel of the test's own, beside the process's instance.
 class ChannelTest : public testing::Test {
  protected:
@@ -154,7 +169,7 @@ class ChannelTest : public testing::Test {
   // thread asks for it.
   ChannelTest() : m_instance(CSdkMsgChannel::Instance()), channel(std::make_unique<CSdkMsgChannel>()) {}
   ~ChannelTest() override {
-    channel->Exit();
+    StopAndAwait([&] { channel->Exit(); });
     channel.reset();
     g_sdkImplHelper.m_bServiceMode = 0;
     g_sdkImplHelper.ReleasePathHelper();

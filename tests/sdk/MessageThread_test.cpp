@@ -32,18 +32,19 @@ class MessageThreadTest : public testing::Test {
     CSdkMsgChannel& channel = CSdkMsgChannel::Instance();
     channel.SetRawSink(&m_sink);
     channel.Callbacks() = SdkCallbacks();
-    channel.Callbacks().general = [](const SdkNotifyInfo*, const wchar_t* rawJson) { Deliver(L"general ", rawJson); };
+    channel.Callbacks().general = [](const SdkNotifyInfo*, const wchar_t* rawJson) {
+      Deliver(L"general ", rawJson);
+    };
     SdkMsgChannelTestAccess{channel}.Features() = 0x3ff;
     StartMessageThread();
     EXPECT_TRUE(WaitUntil([] { return Answers(); }));
   }
   ~MessageThreadTest() override {
-    StopMessageThread();
+    StopAndAwait([] { StopMessageThread(); });
     CSdkMsgChannel& channel = CSdkMsgChannel::Instance();
     channel.SetRawSink(nullptr);
     channel.Callbacks() = SdkCallbacks();
     SdkMsgChannelTestAccess{channel}.Features() = 0;
-    EXPECT_TRUE(WaitUntil([] { return Window() == nullptr; }));
   }
 
   static HWND Window() { return FindWindowW(kLauncherWindowClass, nullptr); }
@@ -127,7 +128,9 @@ TEST_F(MessageThreadTest, OtherMessagesGoToTheDefaultProcedure) {
 
 TEST_F(MessageThreadTest, CallbacksRunOnTheWindowsThread) {
   static DWORD callbackThread = 0;
-  CSdkMsgChannel::Instance().Callbacks().camera = [](const SdkStatusInfo*) { callbackThread = GetCurrentThreadId(); };
+  CSdkMsgChannel::Instance().Callbacks().camera = [](const SdkStatusInfo*) {
+    callbackThread = GetCurrentThreadId();
+  };
   Send(std::string(kCamera, sizeof(kCamera)));
   EXPECT_EQ(callbackThread, GetWindowThreadProcessId(Window(), nullptr));
   EXPECT_NE(callbackThread, GetCurrentThreadId());
@@ -175,8 +178,7 @@ void ExpectAWorkingThread() {
     const HWND window = FindWindowW(kLauncherWindowClass, nullptr);
     return window && SendMessageW(window, WM_COPYDATA, 0, 0) == 1;
   }));
-  StopMessageThread();
-  EXPECT_TRUE(WaitUntil([] { return !FindWindowW(kLauncherWindowClass, nullptr); }));
+  StopAndAwait([] { StopMessageThread(); });
 }
 
 TEST(MessageThreadClass, KnownWithTheDefaultProcedureIsUsedAsItIs) {

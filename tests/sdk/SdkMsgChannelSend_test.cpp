@@ -111,16 +111,17 @@ TEST_F(SendToInstalledClient, EveryWindowOfAClassGetsACopy) {
   EXPECT_EQ(second.Texts(), (Strings{"{}"}));
 }
 
-TEST_F(SendToInstalledClient, ClassNamesAreComparedWithCase) {
-  const RecordingWindow host(kClientWindowClass);
-  const RecordingWindow other(L"VelmPTApp_VVHOST_HOSTWINDOW");
-  channel->SdkSendMsgToVelmClientV(L"{}", kMsgToOrdinary);
-  EXPECT_EQ(host.Texts().size(), 1U);
-  EXPECT_TRUE(other.Received().empty());
+TEST(WindowRouteClass, NamesAreComparedWholeAndWithCase) {
+  EXPECT_TRUE(IsClientWindowClass(L"VelmPTApp_HostWindow"));
+  EXPECT_TRUE(IsClientWindowClass(L"VelmPTApp_VVHOST_HostWindow"));
+  for (const wchar_t* name : {L"", L"velmPTApp_HostWindow", L"VelmPTApp_HostWindow2", L"VelmPTApp_HostWindo",
+                              L"VelmLauncher3rdSdk_HostWindow"})
+    EXPECT_FALSE(IsClientWindowClass(name));
 }
 
 TEST_F(SendToInstalledClient, ResultOfTheClientIsIgnored) {
-  const velm_sim::ClientWindow window(kClientWindowClass, [](const velm_sim::CopyData&) -> intptr_t { return 4711; });
+  const velm_sim::ClientWindow window(kClientWindowClass,
+                                      [](const velm_sim::CopyData&) -> intptr_t { return 4711; });
   EXPECT_EQ(channel->SdkSendMsgToVelmClientV(L"{}", kMsgToOrdinary), 0U);
 }
 
@@ -188,14 +189,17 @@ TEST_F(SendToInstalledClient, LogTellsTheWholeRoadOfACommand) {
 TEST_F(SendTest, PresenceQueryAndHotSwitchLogTheirTextAndTheOthersDoNot) {
   LogCapture log;
   channel->GetIMPresenceStatus();
-  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::GetIMPresenceStatus] strTmp:{\"commandId\":1,") != std::wstring::npos);
+  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::GetIMPresenceStatus] strTmp:{\"commandId\":1,") !=
+              std::wstring::npos);
   log.Clear();
   channel->SetAudioHotSwitch(3);
-  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::SetAudioFunc] strTmp:{\"commandId\":2,") != std::wstring::npos);
+  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::SetAudioFunc] strTmp:{\"commandId\":2,") !=
+              std::wstring::npos);
   log.Clear();
   channel->SendValueCommand(kCommandCamera, 1);
   channel->SendDeviceSelected();
-  for (const std::wstring& line : log.Lines()) EXPECT_EQ(line.find(L"strTmp"), std::wstring::npos);
+  for (const std::wstring& line : log.Lines())
+    EXPECT_EQ(line.find(L"strTmp"), std::wstring::npos);
 }
 
 // ---- The choice of the route
