@@ -1,0 +1,1 @@
+#include "tests/contract/header_compiles.c"  // the same text, as C++
