@@ -37,7 +37,8 @@ uint32_t Attributes(const char* path) {
 }  // namespace
 
 const FileSystemView& FileSystemView::OfThisSystem() {
-  static constexpr FileSystemView kView{SpecialFolder, SpecialFolderWide, TempDirectory, Executable, Attributes};
+  static constexpr FileSystemView kView{SpecialFolder, SpecialFolderWide, TempDirectory, Executable,
+                                        Attributes};
   return kView;
 }
 

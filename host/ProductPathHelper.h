@@ -8,8 +8,8 @@
 #include <memory>
 #include <vector>
 
-#include "host/ProductInfo.h"
 #include "host/FileSystemView.h"
+#include "host/ProductInfo.h"
 
 namespace Cmm {
 
@@ -28,8 +28,7 @@ class CProductPathHelper {
   static constexpr int kBaseCount = 10;
   static constexpr size_t kBaseLimit = 1024;  // bytes of a base directory, with its terminator
 
-  explicit CProductPathHelper(const FileSystemView& view = FileSystemView::OfThisSystem())
-      : m_view(&view) {}
+  explicit CProductPathHelper(const FileSystemView& view = FileSystemView::OfThisSystem()) : m_view(&view) {}
   CProductPathHelper(const CProductPathHelper&) = delete;
   CProductPathHelper& operator=(const CProductPathHelper&) = delete;
 

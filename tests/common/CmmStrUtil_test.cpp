@@ -10,11 +10,13 @@ using namespace cmm_string_testing;
 using testing::IsNull;
 
 // The two families under one name.
-#define PAIR(name)                                                           \
-  template <typename T, typename... Args>                                    \
-  auto name(Args... args) {                                                  \
-    if constexpr (std::is_same_v<T, char>) return cmm_astr_##name(args...); \
-    else return cmm_wstr_##name(args...);                                    \
+#define PAIR(name)                         \
+  template <typename T, typename... Args>  \
+  auto name(Args... args) {                \
+    if constexpr (std::is_same_v<T, char>) \
+      return cmm_astr_##name(args...);     \
+    else                                   \
+      return cmm_wstr_##name(args...);     \
   }
 PAIR(chri)
 PAIR(rchri)
@@ -34,7 +36,8 @@ class CmmStrUtil : public testing::Test {
 };
 TYPED_TEST_SUITE(CmmStrUtil, Widths, WidthNames);
 
-// ---- chri, rchri --------------------------------------------------------------------------------------------
+// ---- chri, rchri
+// --------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStrUtil, FindsTheFirstUnitIgnoringCase) {
   const TypeParam* s = TX("xaBAb");
@@ -71,7 +74,8 @@ TYPED_TEST(CmmStrUtil, ANulEndsTheTextBeforeItsEnd) {
   EXPECT_THAT(rstri<TypeParam>(s, s + 3, TX("b")), IsNull());
 }
 
-// ---- stri, rstri --------------------------------------------------------------------------------------------
+// ---- stri, rstri
+// --------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStrUtil, FindsTheFirstTextIgnoringCase) {
   const TypeParam* s = TX("aaBxAAbx");
@@ -126,7 +130,8 @@ TEST(CmmStrUtilLocale, TheBackwardSearchComparesUnderTheUsersLocale) {
   EXPECT_EQ(cmm_wstr_rstri(s, nullptr, L"\u00e9X"), s + 1);
 }
 
-// ---- upr, lwr -----------------------------------------------------------------------------------------------
+// ---- upr, lwr
+// -----------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStrUtil, CaseChangesInPlaceUpToTheEndOrTheNul) {
   TypeParam s[] = {TC('a'), TC('z'), TC('{'), TC('b'), 0, TC('c'), 0};
@@ -150,7 +155,8 @@ TYPED_TEST(CmmStrUtil, CaseChangeKnowsAsciiOnlyAndNoNull) {
   lwr<TypeParam>(static_cast<TypeParam*>(nullptr), TestFixture::kNull);
 }
 
-// ---- ncpy, ncat ---------------------------------------------------------------------------------------------
+// ---- ncpy, ncat
+// ---------------------------------------------------------------------------------------------
 
 // Eight guard units tell what was written and what was left.
 template <typename T>
@@ -166,9 +172,9 @@ TYPED_TEST(CmmStrUtil, CopiesAtMostTheSmallerOfTheTwoBounds) {
     size_t size, max, copied;
     std::basic_string<TypeParam> after;
   } cases[] = {
-      {8, 8, 3, TXS("abc\0####")},  {8, all, 3, TXS("abc\0####")}, {4, all, 3, TXS("abc\0####")},
+      {8, 8, 3, TXS("abc\0####")},   {8, all, 3, TXS("abc\0####")}, {4, all, 3, TXS("abc\0####")},
       {3, all, 2, TXS("ab\0#####")}, {1, all, 0, TXS("\0#######")}, {8, 2, 2, TXS("ab\0#####")},
-      {8, 3, 3, TXS("abc\0####")},  {8, 0, 0, TXS("\0#######")},   {0, all, 0, TXS("########")},
+      {8, 3, 3, TXS("abc\0####")},   {8, 0, 0, TXS("\0#######")},   {0, all, 0, TXS("########")},
   };
   for (const auto& c : cases) {
     Buffer<TypeParam> buffer;
@@ -190,8 +196,8 @@ TYPED_TEST(CmmStrUtil, AppendsWithinTheBufferAndTheCount) {
     size_t size, max, total;
     std::basic_string<TypeParam> after;
   } cases[] = {
-      {8, all, 5, TXS("xyabc\0##")}, {6, all, 5, TXS("xyabc\0##")}, {5, all, 4, TXS("xyab\0###")},
-      {3, all, 2, TXS("xy\0#####")}, {8, 1, 3, TXS("xya\0####")},   {8, 0, 2, TXS("xy\0#####")},
+      {8, all, 5, TXS("xyabc\0##")},  {6, all, 5, TXS("xyabc\0##")},  {5, all, 4, TXS("xyab\0###")},
+      {3, all, 2, TXS("xy\0#####")},  {8, 1, 3, TXS("xya\0####")},    {8, 0, 2, TXS("xy\0#####")},
       {2, all, 1, TXS("x\0\0#####")}, {1, all, 0, TXS("\0y\0#####")}, {0, all, 0, TXS("xy\0#####")},
   };
   for (const auto& c : cases) {
@@ -210,7 +216,8 @@ TYPED_TEST(CmmStrUtil, AppendTerminatesABufferThatHadNoEnd) {
   EXPECT_EQ(ncat<TypeParam>(static_cast<TypeParam*>(nullptr), size_t{8}, TX("abc"), size_t{9}), 0u);
 }
 
-// ---- match --------------------------------------------------------------------------------------------------
+// ---- match
+// --------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStrUtil, MatchesWildcards) {
   const struct {

@@ -17,7 +17,8 @@ StringPiece Unreadable(size_t length) {
   return StringPiece(nullptr, length);
 }
 
-// ---- Construction -------------------------------------------------------------------------------------------
+// ---- Construction
+// -------------------------------------------------------------------------------------------
 
 TEST(StringPieceConstruction, HoldsPointerAndLengthOnly) {
   EXPECT_EQ(sizeof(StringPiece), sizeof(void*) + sizeof(size_t));
@@ -57,7 +58,8 @@ TEST(StringPieceConstruction, SetsFromEverySource) {
   EXPECT_TRUE(piece.empty());
 }
 
-// ---- Access -------------------------------------------------------------------------------------------------
+// ---- Access
+// -------------------------------------------------------------------------------------------------
 
 TEST(StringPieceAccess, GivesSizesUnitsAndIterators) {
   StringPiece piece("abcdef");
@@ -75,7 +77,8 @@ TEST(StringPieceAccess, GivesSizesUnitsAndIterators) {
   EXPECT_EQ(piece.as_string(), "c");
 }
 
-// ---- Comparison ---------------------------------------------------------------------------------------------
+// ---- Comparison
+// ---------------------------------------------------------------------------------------------
 
 TEST(StringPieceCompare, OrdersByUnsignedBytesThenByLength) {
   EXPECT_EQ(StringPiece("abc").compare("abc"), 0);
@@ -140,7 +143,8 @@ TEST(StringPieceCompare, ANullPointerCountsAsEqualIfTheLengthsAllow) {
   EXPECT_EQ(StringPiece("abc").compare(Unreadable(4)), -1);
 }
 
-// ---- Search -------------------------------------------------------------------------------------------------
+// ---- Search
+// -------------------------------------------------------------------------------------------------
 
 TEST(StringPieceFind, FindsPiecesAndBytesForward) {
   const StringPiece piece("abcabc");
@@ -189,7 +193,9 @@ TEST(StringPieceFind, AnEmptyNeedleIsFoundBackwardAtTheSmallerOfPositionAndSize)
 }
 
 TEST(StringPieceFind, FirstOfASet) {
-  const StringPiece piece("ab\xff" "ab");
+  const StringPiece piece(
+      "ab\xff"
+      "ab");
   EXPECT_EQ(piece.find_first_of("xb"), 1u);
   EXPECT_EQ(piece.find_first_of("xb", 2), 4u);
   EXPECT_EQ(piece.find_first_of("\xff\xfe"), 2u);
@@ -249,7 +255,8 @@ TEST(StringPieceFind, LastNotOfASet) {
   EXPECT_EQ(StringPiece().find_last_not_of(""), kNpos);
 }
 
-// ---- Copies and parts ---------------------------------------------------------------------------------------
+// ---- Copies and parts
+// ---------------------------------------------------------------------------------------
 
 TEST(StringPieceCopy, SubstrClampsBothAndPointsIntoTheSource) {
   const StringPiece piece("abcdef");

@@ -88,7 +88,8 @@ TEST(CmmStringCompareLocale, CompareNoCaseFoldsLettersBeyondAscii) {
   EXPECT_EQ(Cmm::CStringW(L"\u00c9t\u00e9").CompareNoCase(L"\u00e9T\u00c9"), 0);
 }
 
-// ---- Beginnings and ends ------------------------------------------------------------------------------------
+// ---- Beginnings and ends
+// ------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, StartsWithAndEndsWith) {
   using S = typename TestFixture::S;
@@ -130,7 +131,8 @@ TYPED_TEST(CmmStringCompare, BeginningsAreComparedUpToTheFirstNulOnly) {
   EXPECT_TRUE(S(TXS("a\0b")).EndsWith(TXS("A\0X"), false));
 }
 
-// ---- Wildcards ----------------------------------------------------------------------------------------------
+// ---- Wildcards
+// ----------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, MatchesBySecondAlternative) {
   EXPECT_EQ(typename TestFixture::S(TX("abc")).Match(TX("*.txt;a?c"), TC(';'), 1), 1);
@@ -150,7 +152,8 @@ TYPED_TEST(CmmStringCompare, NothingMatchesAnEmptyStringOrAnEmptyPattern) {
   EXPECT_EQ(S(TX("abc")).Match(TestFixture::kNull, TC(';'), 1), 0);
 }
 
-// ---- Operators ----------------------------------------------------------------------------------------------
+// ---- Operators
+// ----------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringCompare, EqualityOfStringsCountsEmbeddedNuls) {
   using S = typename TestFixture::S;

@@ -294,7 +294,12 @@ TYPED_TEST(CmmStringCore, AnyOtherVariantEndsEmptyEvenWhenAConversionIsAskedFor)
 // ---- Exchange -------------------------------------------------------------------------------------------
 
 template <typename S>
-concept SwapsWithItsOwnKind = requires(S& a, S& b) { a.swap(b); } || requires(S& a, S& b) { a.Swap(b); };
+concept SwapsWithItsOwnKind = requires(S& a, S& b) {
+  a.swap(b);
+}
+|| requires(S& a, S& b) {
+  a.Swap(b);
+};
 
 TYPED_TEST(CmmStringCore, SwapsWithAStandardStringOnly) {
   using S = typename TestFixture::S;

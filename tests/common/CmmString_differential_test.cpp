@@ -56,13 +56,38 @@ enum class Op {
   kCount,
 };
 
-const char* const kOpNames[] = {
-    "append",         "append part",    "append fill",       "assign",           "assign part",  "insert",
-    "insert part",    "insert fill",    "insert at iterator", "erase",           "erase at iterator",
-    "replace",        "replace part",   "replace fill",      "replace iterators", "push_back",   "resize",
-    "resize fill",    "reserve",        "clear",             "at",               "substr",       "compare",
-    "compare part",   "compare parts",  "find",              "rfind",            "find_first_of",
-    "find_last_of",   "find_first_not_of", "find_last_not_of", "iterate"};
+const char* const kOpNames[] = {"append",
+                                "append part",
+                                "append fill",
+                                "assign",
+                                "assign part",
+                                "insert",
+                                "insert part",
+                                "insert fill",
+                                "insert at iterator",
+                                "erase",
+                                "erase at iterator",
+                                "replace",
+                                "replace part",
+                                "replace fill",
+                                "replace iterators",
+                                "push_back",
+                                "resize",
+                                "resize fill",
+                                "reserve",
+                                "clear",
+                                "at",
+                                "substr",
+                                "compare",
+                                "compare part",
+                                "compare parts",
+                                "find",
+                                "rfind",
+                                "find_first_of",
+                                "find_last_of",
+                                "find_first_not_of",
+                                "find_last_not_of",
+                                "iterate"};
 static_assert(std::size(kOpNames) == static_cast<size_t>(Op::kCount));
 
 template <typename T>
@@ -268,7 +293,8 @@ class Generator {
     if (length > kMaxLength) step.op = Op::kResize;
     step.form = static_cast<Form>(Below(kForms));
     step.text.resize(Below(4) ? Below(6) : Below(40));
-    for (T& unit : step.text) unit = Unit();
+    for (T& unit : step.text)
+      unit = Unit();
     step.unit = Unit();
     step.a = Position(length);
     step.b = Position(length);
@@ -312,7 +338,8 @@ std::string Print(const std::vector<Step<T>>& steps) {
     out << "  " << kOpNames[static_cast<size_t>(step.op)] << " form " << static_cast<int>(step.form) << " ("
         << step.a << ", " << step.b << ", " << step.c << ", " << step.d << ") unit "
         << static_cast<unsigned>(step.unit) << " text";
-    for (T unit : step.text) out << ' ' << static_cast<unsigned>(unit);
+    for (T unit : step.text)
+      out << ' ' << static_cast<unsigned>(unit);
     out << '\n';
   }
   return out.str();

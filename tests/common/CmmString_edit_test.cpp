@@ -22,7 +22,8 @@ class CmmStringEdit : public testing::Test {
 };
 TYPED_TEST_SUITE(CmmStringEdit, Widths, WidthNames);
 
-// ---- Case and order -----------------------------------------------------------------------------------------
+// ---- Case and order
+// -----------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, CaseChangesAsciiLettersOnly) {
   const auto upper = [](auto& s) { s.MakeUpper(); };
@@ -46,7 +47,8 @@ TYPED_TEST(CmmStringEdit, ReversesTheWholeStoredText) {
   EXPECT_EQ(this->After(TXS(""), reverse), TXS(""));
 }
 
-// ---- Trim ---------------------------------------------------------------------------------------------------
+// ---- Trim
+// ---------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, TrimsExactlyFourWhitespaceUnits) {
   EXPECT_EQ(this->After(TXS("\t\n\r a b \r\n\t"), [](auto& s) { s.Trim(); }), TXS("a b"));
@@ -91,7 +93,8 @@ TYPED_TEST(CmmStringEdit, AnEmptyOrNullSetTrimsNothing) {
   EXPECT_EQ(this->After(TXS(""), [](auto& s) { s.Trim(TX("x")); }), TXS(""));
 }
 
-// ---- Delete and Remove --------------------------------------------------------------------------------------
+// ---- Delete and Remove
+// --------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, DeleteAnswersTheChangeOfLength) {
   using S = typename TestFixture::S;
@@ -123,7 +126,8 @@ TYPED_TEST(CmmStringEdit, RemoveBlanksTakesWhitespaceAnywhere) {
   EXPECT_EQ(s.RemoveBlanks(), 0);
 }
 
-// ---- Replace ------------------------------------------------------------------------------------------------
+// ---- Replace
+// ------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, ReplaceDoesNotScanWhatItPutIn) {
   EXPECT_EQ(this->After(TXS("aaa"), [](auto& s) { s.Replace(TX("a"), TX("aa")); }), TXS("aaaaaa"));
@@ -164,7 +168,8 @@ TYPED_TEST(CmmStringEdit, ReplaceOfAUnitReachesBehindNuls) {
   EXPECT_EQ(this->After(TXS("a\0a"), [](auto& s) { s.Replace(TC(0), TC('-')); }), TXS("a-a"));
 }
 
-// ---- XML ----------------------------------------------------------------------------------------------------
+// ---- XML
+// ----------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, EncodesTheFiveNamedCharacters) {
   const auto encode = [](auto& s) { s.XMLEncode(); };
@@ -221,7 +226,8 @@ TEST(CmmStringXml, TheNarrowClassKnowsNoBrackets) {
   EXPECT_EQ(Text(s), "&#x2329;&#x232a;&#x300a;&#x300b;");
 }
 
-// ---- Concatenation ------------------------------------------------------------------------------------------
+// ---- Concatenation
+// ------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringEdit, AppendsEverySource) {
   using S = typename TestFixture::S;

@@ -25,7 +25,8 @@ class CmmStringFormat : public testing::Test {
 };
 TYPED_TEST_SUITE(CmmStringFormat, Widths, WidthNames);
 
-// ---- Format -------------------------------------------------------------------------------------------------
+// ---- Format
+// -------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringFormat, ReplacesTheTextByTheFormattedOne) {
   typename TestFixture::S s(TX("old"));
@@ -82,7 +83,8 @@ TYPED_TEST(CmmStringFormat, TakesItsOwnBufferAsTheFormat) {
   EXPECT_EQ(Text(s), filler + TXS("5"));
 }
 
-// ---- FormatMessageW -----------------------------------------------------------------------------------------
+// ---- FormatMessageW
+// -----------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringFormat, FormatsASystemMessageWithInserts) {
   typename TestFixture::S s(TX("old"));
@@ -98,7 +100,8 @@ TYPED_TEST(CmmStringFormat, AMessageThatTheSystemRefusesLeavesTheTextUnchanged) 
   EXPECT_EQ(Text(s), TXS("old"));
 }
 
-// ---- LoadStringW --------------------------------------------------------------------------------------------
+// ---- LoadStringW
+// --------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringFormat, LoadsAStringResource) {
   typename TestFixture::S s(TX("old"));
@@ -134,7 +137,8 @@ TYPED_TEST(CmmStringFormat, TheStaticFormLoadsIntoABufferOfEitherWidth) {
   EXPECT_STREQ(wide, L"short");
 }
 
-// ---- Numbers ------------------------------------------------------------------------------------------------
+// ---- Numbers
+// ------------------------------------------------------------------------------------------------
 
 TYPED_TEST(CmmStringFormat, ParsesAWholeNumberOrGivesTheFallback) {
   using S = typename TestFixture::S;

@@ -18,7 +18,8 @@ class CmmStringSearch : public testing::Test {
 
   static std::vector<std::basic_string<T>> Split(const S& text, const S& sep, int mode) {
     std::vector<std::basic_string<T>> pieces;
-    for (const S& piece : text.SplitString(sep, mode)) pieces.push_back(Text(piece));
+    for (const S& piece : text.SplitString(sep, mode))
+      pieces.push_back(Text(piece));
     return pieces;
   }
 };
@@ -223,8 +224,7 @@ TYPED_TEST(CmmStringSearch, SplitWithoutASeparatorIsTheWholeText) {
 }
 
 TYPED_TEST(CmmStringSearch, SplitByStringTakesTheSeparatorWhole) {
-  EXPECT_THAT(TestFixture::Split(TX("a--b-c--"), TX("--"), 0),
-              ElementsAre(TXS("a"), TXS("b-c"), TXS("")));
+  EXPECT_THAT(TestFixture::Split(TX("a--b-c--"), TX("--"), 0), ElementsAre(TXS("a"), TXS("b-c"), TXS("")));
 }
 
 TYPED_TEST(CmmStringSearch, SplitBySetTakesEachUnitForItself) {

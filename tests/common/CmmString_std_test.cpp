@@ -211,7 +211,8 @@ TYPED_TEST(CmmStringStd, EveryIterator) {
   *s.begin() = TC('X');
   *s.rbegin() = TC('Z');
   EXPECT_EQ(Text(s), TXS("XbZ"));
-  for (TypeParam& unit : s) unit = TC('q');
+  for (TypeParam& unit : s)
+    unit = TC('q');
   EXPECT_EQ(Text(s), TXS("qqq"));
 }
 

@@ -106,9 +106,9 @@ TEST_F(ResolveAppVLink, LinkThatTheShellItselfSavedIsRead) {
   const std::filesystem::path file = scratch.Path() / "saved.lnk";
   Microsoft::WRL::ComPtr<IShellLinkW> link;
   Microsoft::WRL::ComPtr<IPersistFile> persist;
-  ASSERT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER,
-                             IID_PPV_ARGS(link.GetAddressOf())),
-            S_OK);
+  ASSERT_EQ(
+      CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(link.GetAddressOf())),
+      S_OK);
   ASSERT_EQ(link->SetPath(program.c_str()), S_OK);
   ASSERT_EQ(link.As(&persist), S_OK);
   ASSERT_EQ(persist->Save(file.c_str(), TRUE), S_OK);
@@ -119,7 +119,8 @@ TEST_F(ResolveAppVLink, LinkThatTheShellItselfSavedIsRead) {
 
 TEST_F(ResolveAppVLink, LocalAppDataVariableIsExpanded) {
   EXPECT_TRUE(ResolveLinkTo(kProfileTarget));
-  EXPECT_EQ(target, LocalAppData() + L"\\Microsoft\\AppV\\Client\\Integration\\42\\Root\\VelmVDI\\bin\\Velm.exe");
+  EXPECT_EQ(target,
+            LocalAppData() + L"\\Microsoft\\AppV\\Client\\Integration\\42\\Root\\VelmVDI\\bin\\Velm.exe");
 }
 
 TEST_F(ResolveAppVLink, LinkToAnotherProgramOfAPackageIsRefusedAndTheTargetLeftAlone) {
@@ -154,8 +155,8 @@ TEST_F(ResolveAppVLink, NullPointersAreRefusedWithoutAWord) {
 TEST_F(ResolveAppVLink, TellsTheDebuggerTheLinkAndWhereItLeads) {
   const DebugOutput debug;
   ResolveLinkTo(kProfileTarget);
-  EXPECT_THAT(debug.Texts(), ElementsAre((scratch.Path() / "a.lnk").string(),
-                                         "real path " + std::string(kProfileTarget)));
+  EXPECT_THAT(debug.Texts(),
+              ElementsAre((scratch.Path() / "a.lnk").string(), "real path " + std::string(kProfileTarget)));
 }
 
 TEST(ResolveAppVLinkWithoutCom, IsRefused) {

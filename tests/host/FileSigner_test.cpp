@@ -165,8 +165,8 @@ class TrustScript : public testing::Test {
     s_current->m_data.csSigners = s_current->signers;
     return s_current->hasProviderData ? &s_current->m_data : nullptr;
   }
-  static CRYPT_PROVIDER_SGNR* WINAPI ChainSigner(CRYPT_PROVIDER_DATA* data, DWORD index, WINBOOL counterSigner,
-                                                 DWORD counterIndex) {
+  static CRYPT_PROVIDER_SGNR* WINAPI ChainSigner(CRYPT_PROVIDER_DATA* data, DWORD index,
+                                                 WINBOOL counterSigner, DWORD counterIndex) {
     EXPECT_EQ(data, &s_current->m_data);
     EXPECT_EQ(counterSigner, FALSE);
     EXPECT_EQ(counterIndex, 0u);

@@ -24,7 +24,8 @@ class ProductInfo : public testing::Test {
   void MakeFiles(const std::vector<std::string>& names) { MakeFiles(names, scratch.Path()); }
 
   int Check(uint32_t kind, const std::string& base, const std::string& sub = "") {
-    return Cmm::CheckVelmProductInfo(Cmm::FileSystemView::OfThisSystem(), kind, base.c_str(), sub.c_str(), list);
+    return Cmm::CheckVelmProductInfo(Cmm::FileSystemView::OfThisSystem(), kind, base.c_str(), sub.c_str(),
+                                     list);
   }
   int Check(uint32_t kind = Cmm::kMeetingClient) { return Check(kind, scratch.Narrow()); }
 
@@ -160,8 +161,9 @@ class ProductInfoOfEveryPath : public testing::Test {
 
 TEST_F(ProductInfoOfEveryPath, DirectoryAndFilesAreAskedForOnceInTheirOrder) {
   EXPECT_EQ(Check("C:\\Velm\\", "bin"), 1);
-  EXPECT_THAT(s_asked, testing::ElementsAre("C:\\Velm\\bin", "C:\\Velm\\bin\\Velm.exe", "C:\\Velm\\bin\\vPTApp.dll",
-                                            "C:\\Velm\\bin\\vVideoApp.dll", "C:\\Velm\\bin\\basekit.dll"));
+  EXPECT_THAT(s_asked,
+              testing::ElementsAre("C:\\Velm\\bin", "C:\\Velm\\bin\\Velm.exe", "C:\\Velm\\bin\\vPTApp.dll",
+                                   "C:\\Velm\\bin\\vVideoApp.dll", "C:\\Velm\\bin\\basekit.dll"));
 }
 
 TEST_F(ProductInfoOfEveryPath, DirectoryOf258CharactersFitsIntoARecord) {
@@ -193,8 +195,8 @@ TEST_F(ProductInfoOfEveryPath, PathsEndAtTheLimitOf1023Characters) {
 
   s_asked.clear();
   EXPECT_EQ(Check(DirectoryOfLength(1014)), 0);
-  EXPECT_EQ(s_asked[1], DirectoryOfLength(1014) + "\\Velm.exe");     // 1023 characters
-  EXPECT_EQ(s_asked[2], DirectoryOfLength(1014) + "\\vPTApp.d");     // cut
+  EXPECT_EQ(s_asked[1], DirectoryOfLength(1014) + "\\Velm.exe");      // 1023 characters
+  EXPECT_EQ(s_asked[2], DirectoryOfLength(1014) + "\\vPTApp.d");      // cut
   EXPECT_EQ(s_asked.back(), DirectoryOfLength(1014) + "\\basekit.");  // cut
 
   s_asked.clear();

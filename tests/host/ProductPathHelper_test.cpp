@@ -158,8 +158,8 @@ TEST_F(ProductPathHelper, CachedPathKeepsTheKindItWasFormedFor) {
 }
 
 TEST_F(ProductPathHelper, FolderThatTheSystemCannotNameGives3AndIsAskedForAgain) {
-  const int sources[] = {0x1A,       0x1C, 0x26, OwnFolders::kTemp, 0x20, OwnFolders::kExecutable,
-                         0x2A,       0x26, 0x2A};
+  const int sources[] = {0x1A, 0x1C, 0x26, OwnFolders::kTemp, 0x20, OwnFolders::kExecutable,
+                         0x2A, 0x26, 0x2A};
   for (int index = 0; index < 9; ++index) {
     folders.failing = {sources[index]};
     EXPECT_EQ(PathOf(index, Cmm::kProductPathNotFormed), "(null)");
@@ -257,9 +257,10 @@ TEST_F(BinDirectories, ClientInBin03OnlyGivesOneRecordWithThatDirectory) {
 
 TEST_F(BinDirectories, SevenAreTestedInTheirOrderAndNoOther) {
   std::vector<std::unique_ptr<FakeProduct>> clients;
-  for (const wchar_t* name : {L"bin_06", L"bin_05", L"bin_04", L"bin_03", L"bin_02", L"bin_01", L"bin_00",
-                              L"bin", L"Bin2", L"x"})
-    clients.push_back(std::make_unique<FakeProduct>(velm_tools::FakeProductOptions{.directory = Base() + name}));
+  for (const wchar_t* name :
+       {L"bin_06", L"bin_05", L"bin_04", L"bin_03", L"bin_02", L"bin_01", L"bin_00", L"bin", L"Bin2", L"x"})
+    clients.push_back(
+        std::make_unique<FakeProduct>(velm_tools::FakeProductOptions{.directory = Base() + name}));
   EXPECT_EQ(helper.ScanBinDirs(NarrowBase().c_str(), list), 1);
   std::vector<std::string> expected;
   for (const char* name : {"bin", "bin_00", "bin_01", "bin_02", "bin_03", "bin_04", "bin_05"})

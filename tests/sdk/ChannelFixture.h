@@ -128,7 +128,8 @@ class RecordingWindow {
   }
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
-    for (const auto& data : Received()) texts.push_back(data.Text());
+    for (const auto& data : Received())
+      texts.push_back(data.Text());
     return texts;
   }
 

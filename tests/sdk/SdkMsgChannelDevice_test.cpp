@@ -160,10 +160,10 @@ TEST_F(DeviceTest, FilterTable) {
     const wchar_t* guid;
     int filtered;
   } rows[] = {
-      {L"Headset", L"{G}", 0},  {L"Headset", L"{H}", 0},   {L"SPEAKER", L"{h}", 0}, {L"Headset", nullptr, 0},
-      {L"Headset", L"", 0},     {nullptr, L"{G}", 0},      {L"", L"{G}", 0},        {nullptr, nullptr, 0},
-      {L"", L"", 0},            {L"Other", nullptr, 1},    {L"Other", L"", 1},      {nullptr, L"{X}", 1},
-      {L"", L"{X}", 1},         {L"Headset", L"{X}", 1},   {L"Other", L"{G}", 1},   {L"Other", L"{X}", 1},
+      {L"Headset", L"{G}", 0}, {L"Headset", L"{H}", 0}, {L"SPEAKER", L"{h}", 0}, {L"Headset", nullptr, 0},
+      {L"Headset", L"", 0},    {nullptr, L"{G}", 0},    {L"", L"{G}", 0},        {nullptr, nullptr, 0},
+      {L"", L"", 0},           {L"Other", nullptr, 1},  {L"Other", L"", 1},      {nullptr, L"{X}", 1},
+      {L"", L"{X}", 1},        {L"Headset", L"{X}", 1}, {L"Other", L"{G}", 1},   {L"Other", L"{X}", 1},
   };
   for (const auto& row : rows)
     EXPECT_EQ(Filter(row.name, row.guid), row.filtered)

@@ -96,7 +96,8 @@ TEST_F(DispatchTest, NullIsDropped) {
 
 TEST_F(DispatchTest, GarbageIsDroppedAndCallsNobody) {
   SetAll();
-  for (const char* text : {"", "{", "nonsense", "[]", "{}", R"({"commandId":"2"})", R"({"commandId":0})", R"({"commandId":11})"})
+  for (const char* text :
+       {"", "{", "nonsense", "[]", "{}", R"({"commandId":"2"})", R"({"commandId":0})", R"({"commandId":11})"})
     EXPECT_EQ(Handle(text), 0) << text;
   EXPECT_TRUE(g_received.order.empty());
 }
@@ -152,7 +153,8 @@ TEST_F(DispatchTest, MegabyteOfRawTextArrivesWhole) {
   SetAll();
   const std::string padding(1 << 20, 'x');
   EXPECT_EQ(Handle("{\"commandId\":5,\"padding\":\"" + padding + "\"}"), 1);
-  EXPECT_EQ(g_received.rawJson.size(), padding.size() + std::string("{\"commandId\":5,\"padding\":\"\"}").size());
+  EXPECT_EQ(g_received.rawJson.size(),
+            padding.size() + std::string("{\"commandId\":5,\"padding\":\"\"}").size());
 }
 
 TEST_F(DispatchTest, EmptyNotificationCallsRawSinkAndGeneralWithNullsAndNoFeatureTest) {
@@ -217,7 +219,8 @@ TEST_F(DispatchTest, WithoutDataTheCallbackStillFiresWithValue0) {
 
 TEST_F(DispatchTest, Presence) {
   SetAll();
-  Handle(R"({"commandId":1,"data":[{"PresenceStatus":1,"PresenceStatusV2":2,"extraReason":3}],"result":"7:r"})");
+  Handle(
+      R"({"commandId":1,"data":[{"PresenceStatus":1,"PresenceStatusV2":2,"extraReason":3}],"result":"7:r"})");
   const SdkPresenceInfo& info = g_received.presence.value();
   EXPECT_FALSE(info.success);
   EXPECT_EQ(info.code, 7);
@@ -336,12 +339,14 @@ TEST_F(DispatchTest, ResultOf512BytesIsLoggedAndCountsAsAbsent) {
 TEST_F(DispatchTest, EveryMessageIsLoggedBeforeItIsParsed) {
   LogCapture log;
   Handle("nonsense");
-  EXPECT_EQ(log.Texts(), (std::vector<std::wstring>{L"[CSdkMsgChannel::HandleVelmClientMsgNotify] pMsgA:nonsense"}));
+  EXPECT_EQ(log.Texts(),
+            (std::vector<std::wstring>{L"[CSdkMsgChannel::HandleVelmClientMsgNotify] pMsgA:nonsense"}));
 }
 
 // ---- The device filter
 
-constexpr const char* kAboutAnotherDevice = R"({"commandId":%ID%,"data":[{"AudioCmd":5}],"deviceName":"Other"})";
+constexpr const char* kAboutAnotherDevice =
+    R"({"commandId":%ID%,"data":[{"AudioCmd":5}],"deviceName":"Other"})";
 
 std::string AboutAnotherDevice(int commandId) {
   std::string json = kAboutAnotherDevice;
@@ -422,13 +427,13 @@ TEST_F(DispatchTest, OtherSinkOperationsOnlyLogTheirChannelId) {
   channel->OnClient3rdSDKServerConnected(4);
   channel->OnClient3rdSDKServerDisconnected(5);
   channel->OnClient3rdSDKClientExitConfirmed(6, 0);
-  EXPECT_EQ(log.Texts(), (std::vector<std::wstring>{
-                             L"[CSdkMsgChannel::OnServerConnected] uChannelID:1",
-                             L"[CSdkMsgChannel::OnServerDisconnected] uChannelID:2",
-                             L"[CSdkMsgChannel::OnClientExitConfirmed] uChannelID:3",
-                             L"[CSdkMsgChannel::OnClient3rdSDKServerConnected] uChannelID:4",
-                             L"[CSdkMsgChannel::OnClient3rdSDKServerDisconnected] uChannelID:5",
-                             L"[CSdkMsgChannel::OnClient3rdSDKClientExitConfirmed] uChannelID:6"}));
+  EXPECT_EQ(log.Texts(),
+            (std::vector<std::wstring>{L"[CSdkMsgChannel::OnServerConnected] uChannelID:1",
+                                       L"[CSdkMsgChannel::OnServerDisconnected] uChannelID:2",
+                                       L"[CSdkMsgChannel::OnClientExitConfirmed] uChannelID:3",
+                                       L"[CSdkMsgChannel::OnClient3rdSDKServerConnected] uChannelID:4",
+                                       L"[CSdkMsgChannel::OnClient3rdSDKServerDisconnected] uChannelID:5",
+                                       L"[CSdkMsgChannel::OnClient3rdSDKClientExitConfirmed] uChannelID:6"}));
 }
 
 }  // namespace

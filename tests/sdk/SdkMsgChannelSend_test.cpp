@@ -120,7 +120,8 @@ TEST_F(SendToInstalledClient, ClassNamesAreComparedWithCase) {
 }
 
 TEST_F(SendToInstalledClient, ResultOfTheClientIsIgnored) {
-  const velm_sim::ClientWindow window(kClientWindowClass, [](const velm_sim::CopyData&) -> intptr_t { return 4711; });
+  const velm_sim::ClientWindow window(kClientWindowClass,
+                                      [](const velm_sim::CopyData&) -> intptr_t { return 4711; });
   EXPECT_EQ(channel->SdkSendMsgToVelmClientV(L"{}", kMsgToOrdinary), 0U);
 }
 
@@ -188,14 +189,17 @@ TEST_F(SendToInstalledClient, LogTellsTheWholeRoadOfACommand) {
 TEST_F(SendTest, PresenceQueryAndHotSwitchLogTheirTextAndTheOthersDoNot) {
   LogCapture log;
   channel->GetIMPresenceStatus();
-  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::GetIMPresenceStatus] strTmp:{\"commandId\":1,") != std::wstring::npos);
+  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::GetIMPresenceStatus] strTmp:{\"commandId\":1,") !=
+              std::wstring::npos);
   log.Clear();
   channel->SetAudioHotSwitch(3);
-  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::SetAudioFunc] strTmp:{\"commandId\":2,") != std::wstring::npos);
+  EXPECT_TRUE(log.Lines()[0].find(L"[CSdkMsgChannel::SetAudioFunc] strTmp:{\"commandId\":2,") !=
+              std::wstring::npos);
   log.Clear();
   channel->SendValueCommand(kCommandCamera, 1);
   channel->SendDeviceSelected();
-  for (const std::wstring& line : log.Lines()) EXPECT_EQ(line.find(L"strTmp"), std::wstring::npos);
+  for (const std::wstring& line : log.Lines())
+    EXPECT_EQ(line.find(L"strTmp"), std::wstring::npos);
 }
 
 // ---- The choice of the route

@@ -47,7 +47,8 @@ TEST_F(SdkMsgChannelTest, DestructorTakesDevicesOutOfTheTableAndClearsTheSinglet
   other->SetAudioDevice(L"destructor's device", nullptr, nullptr, nullptr);
   other.reset();
   EXPECT_EQ(g_pSdkMsgChannel, nullptr);
-  for (const DeviceRecord& record : reader.View()->records) EXPECT_STRNE(record.name, L"destructor's device");
+  for (const DeviceRecord& record : reader.View()->records)
+    EXPECT_STRNE(record.name, L"destructor's device");
 }
 
 // ---- Init and Exit
@@ -58,16 +59,16 @@ TEST_F(SdkMsgChannelTest, InitReturns1AndTheSecondTime0AndStartsNothing) {
   const CAudioDeviceTable table = Fields().Table();
   EXPECT_EQ(channel->Init(), 0U);
   EXPECT_EQ(Fields().Table().View(), table.View());
-  EXPECT_EQ(log.Texts(),
-            (std::vector<std::wstring>{L"[CSdkMsgChannel::Init]", L"[CSdkMsgChannel::Init]",
-                                       L"[CSdkMsgChannel::Init] already inited!"}));
+  EXPECT_EQ(log.Texts(), (std::vector<std::wstring>{L"[CSdkMsgChannel::Init]", L"[CSdkMsgChannel::Init]",
+                                                    L"[CSdkMsgChannel::Init] already inited!"}));
 }
 
 TEST_F(SdkMsgChannelTest, InitBringsUpOneHiddenWindow) {
   channel->Init();
   ASSERT_TRUE(WaitUntil([] { return LauncherWindow() != nullptr; }));
   const HWND window = LauncherWindow();
-  EXPECT_EQ(GetWindowLongPtrW(window, GWL_STYLE) & static_cast<LONG_PTR>(WS_POPUP), static_cast<LONG_PTR>(WS_POPUP));
+  EXPECT_EQ(GetWindowLongPtrW(window, GWL_STYLE) & static_cast<LONG_PTR>(WS_POPUP),
+            static_cast<LONG_PTR>(WS_POPUP));
   EXPECT_EQ(GetWindowLongPtrW(window, GWL_EXSTYLE) & WS_EX_TOOLWINDOW, WS_EX_TOOLWINDOW);
   EXPECT_FALSE(IsWindowVisible(window));
   wchar_t title[8] = L"?";
@@ -108,7 +109,8 @@ TEST_F(SdkMsgChannelTest, ExitThenInitMakesANewThreadAndWindow) {
 }
 
 TEST_F(SdkMsgChannelTest, ExitDestroysAWindowInItsField) {
-  const HWND window = CreateWindowExW(0, L"Button", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+  const HWND window =
+      CreateWindowExW(0, L"Button", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
   ASSERT_NE(window, nullptr);
   Fields().Window() = window;
   channel->Exit();
@@ -181,7 +183,8 @@ TEST_F(SdkMsgChannelTest, InitMakesTheServiceModeClientAndConnectsItToASession) 
   EXPECT_EQ(route.serviceMode->m_sink, channel.get());
   EXPECT_TRUE(route.audioCalls.empty());
   channel->Exit();
-  EXPECT_EQ(Calls(route.serviceCalls.begin() + 2, route.serviceCalls.end()), (Calls{L"Disconnect", L"delete"}));
+  EXPECT_EQ(Calls(route.serviceCalls.begin() + 2, route.serviceCalls.end()),
+            (Calls{L"Disconnect", L"delete"}));
 }
 
 TEST_F(SdkMsgChannelTest, InitWithoutFlagsMakesNoIpcClient) {
@@ -308,8 +311,9 @@ TEST_F(SdkMsgChannelTest, ServiceModeWithClient579Is7AlthoughTheTextSays576) {
   LogCapture log;
   EXPECT_EQ(channel->Client3rdSDKRequestRunUnderServiceMode(), 7U);
   EXPECT_EQ(Fields().ServiceModeIPC(), 0U);
-  EXPECT_TRUE(log.Has(L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] Need update Velm client to "
-                      L"5.7.6 or later to support service mode! Current Velm Client Version:5.7.9.0"));
+  EXPECT_TRUE(
+      log.Has(L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] Need update Velm client to "
+              L"5.7.6 or later to support service mode! Current Velm Client Version:5.7.9.0"));
   EXPECT_TRUE(log.Has(L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] errCode:7"));
 }
 

@@ -57,12 +57,14 @@ struct Command {
 std::vector<Command> Commands() {
   return {
       {"GetIMPresenceStatus", [] { return GetIMPresenceStatus(); }, nullptr, nullptr},
-      {"SetAudioCmd", [] { return SetAudioCmd(-5); }, L"[SetAudioCmd] cmd:-5", L"[SetAudioCmd] SDK Msg Channel is NULL!"},
+      {"SetAudioCmd", [] { return SetAudioCmd(-5); }, L"[SetAudioCmd] cmd:-5",
+       L"[SetAudioCmd] SDK Msg Channel is NULL!"},
       {"SetScreenShareCmd", [] { return SetScreenShareCmd(1); }, L"[SetScreenShareCmd] cmd:1",
        L"[SetScreenShareCmd] SDK Msg Channel is NULL!"},
       {"SetConfChatCmd", [] { return SetConfChatCmd(1); }, L"[SetConfChatCmd] cmd:1",
        L"[SetChatCmd] SDK Msg Channel is NULL!"},
-      {"SetCameraCmd", [] { return SetCameraCmd(1); }, L"[SetCameraCmd] cmd:1", L"[SetCameraCmd] SDK Msg Channel is NULL!"},
+      {"SetCameraCmd", [] { return SetCameraCmd(1); }, L"[SetCameraCmd] cmd:1",
+       L"[SetCameraCmd] SDK Msg Channel is NULL!"},
       {"SetConfAudioCmd", [] { return SetConfAudioCmd(1); }, L"[SetConfAudioCmd] cmd:1",
        L"[SetConfAudioCmd] SDK Msg Channel is NULL!"},
       {"SetConfEventCmd", [] { return SetConfEventCmd(1); }, L"[SetConfEventCmd] cmd:1",
@@ -92,7 +94,8 @@ TEST_F(ExportTest, DeviceFunctionsWithoutAChannelAre0AndSaySo) {
   EXPECT_EQ(SetAudioDevice(L"n", L"v", L"p", 1), 0U);
   EXPECT_EQ(SetAudioDeviceV2(L"n", L"g", L"v", L"p", 1), 0U);
   EXPECT_EQ(SetAudioDeviceWCHAR(L"n", L"g", L"v", L"p", 1), 0U);
-  EXPECT_EQ(log.Texts(), (Lines{L"[SetAudioDevice] SDK Msg Channel is NULL!", L"[SetAudioDeviceV2] SDK Msg Channel is NULL!",
+  EXPECT_EQ(log.Texts(), (Lines{L"[SetAudioDevice] SDK Msg Channel is NULL!",
+                                L"[SetAudioDeviceV2] SDK Msg Channel is NULL!",
                                 L"[SetAudioDeviceWCHAR] SDK Msg Channel is NULL!"}));
   EXPECT_STREQ(Fields().Device().usbVid, L"");
 }
@@ -124,7 +127,8 @@ TEST_F(ExportTest, VersionEstablishesTheChannelAlsoForNull) {
   EXPECT_EQ(GetVelmClientVersion(nullptr), 999U);
   EXPECT_NE(g_pSdkMsgChannel, nullptr);
   EXPECT_EQ(Fields().Inited(), 0U);
-  EXPECT_EQ(log.Texts(), (Lines{L"[GetVelmClientVersion]", L"[CSdkMsgChannel::GetVelmClientVersion] errCode:999"}));
+  EXPECT_EQ(log.Texts(),
+            (Lines{L"[GetVelmClientVersion]", L"[CSdkMsgChannel::GetVelmClientVersion] errCode:999"}));
 }
 
 TEST_F(ExportTest, VersionWithNoClientIs0AndKeepsTheArray) {
@@ -205,20 +209,22 @@ std::vector<Setter> Setters() {
                                     [](const SdkNotifyInfo*, const wchar_t*) {}),
       MakeSetter<SdkAudioCallback>(L"[SetAudioCallBack]", SetAudioCallBack, &SdkCallbacks::audio,
                                    [](const SdkAudioInfo*) {}),
-      MakeSetter<SdkPresenceCallback>(L"[SetIMPresenceCallBack]", SetIMPresenceCallBack, &SdkCallbacks::presence,
-                                      [](const SdkPresenceInfo*) {}),
-      MakeSetter<SdkStatusCallback>(L"[SetScreenShareCallBack]", SetScreenShareCallBack, &SdkCallbacks::screenShare,
+      MakeSetter<SdkPresenceCallback>(L"[SetIMPresenceCallBack]", SetIMPresenceCallBack,
+                                      &SdkCallbacks::presence, [](const SdkPresenceInfo*) {}),
+      MakeSetter<SdkStatusCallback>(L"[SetScreenShareCallBack]", SetScreenShareCallBack,
+                                    &SdkCallbacks::screenShare, onStatus),
+      MakeSetter<SdkStatusCallback>(L"[SetScreenShareCallBack]", SetConfChatCallBack, &SdkCallbacks::confChat,
                                     onStatus),
-      MakeSetter<SdkStatusCallback>(L"[SetScreenShareCallBack]", SetConfChatCallBack, &SdkCallbacks::confChat, onStatus),
-      MakeSetter<SdkStatusCallback>(L"[SetScreenShareCallBack]", SetCameraCallBack, &SdkCallbacks::camera, onStatus),
-      MakeSetter<SdkConfAudioCallback>(L"[SetConfAudioCallBack]", SetConfAudioCallBack, &SdkCallbacks::confAudio,
-                                       [](const SdkConfAudioInfo*) {}),
-      MakeSetter<SdkConfEventCallback>(L"[SetConfEventCallBack]", SetConfEventCallBack, &SdkCallbacks::confEvent,
-                                       [](const SdkConfEventInfo*) {}),
+      MakeSetter<SdkStatusCallback>(L"[SetScreenShareCallBack]", SetCameraCallBack, &SdkCallbacks::camera,
+                                    onStatus),
+      MakeSetter<SdkConfAudioCallback>(L"[SetConfAudioCallBack]", SetConfAudioCallBack,
+                                       &SdkCallbacks::confAudio, [](const SdkConfAudioInfo*) {}),
+      MakeSetter<SdkConfEventCallback>(L"[SetConfEventCallBack]", SetConfEventCallBack,
+                                       &SdkCallbacks::confEvent, [](const SdkConfEventInfo*) {}),
       MakeSetter<SdkPTEventCallback>(L"[SetPTEventCallBack]", SetPTEventCallBack, &SdkCallbacks::ptEvent,
                                      [](const SdkPTEventInfo*) {}),
-      MakeSetter<SdkConfDeviceCallback>(L"[SetConfDeviceCallBack]", SetConfDeviceCallBack, &SdkCallbacks::confDevice,
-                                        [](const SdkConfDeviceInfo*) {}),
+      MakeSetter<SdkConfDeviceCallback>(L"[SetConfDeviceCallBack]", SetConfDeviceCallBack,
+                                        &SdkCallbacks::confDevice, [](const SdkConfDeviceInfo*) {}),
       MakeSetter<SdkUIControlCallback>(L"[SetUIControlStatusCallBack]", SetUIControlStatusCallBack,
                                        &SdkCallbacks::uiControl, [](const SdkUIControlInfo*) {}),
   };
@@ -257,7 +263,8 @@ TEST_F(ExportTest, CommandsNeedNoInitAndArriveByteForByte) {
   const FakeProduct client(ClientOfVersion(5, 8));
   const RecordingWindow window(kClientWindowClass);
   GetSDKAvailableFeatures();
-  for (const Command& command : Commands()) EXPECT_EQ(command.call(), 0U) << command.name;
+  for (const Command& command : Commands())
+    EXPECT_EQ(command.call(), 0U) << command.name;
   EXPECT_EQ(Fields().Inited(), 0U);
   EXPECT_EQ(
       window.Texts(),
@@ -301,11 +308,12 @@ TEST_F(ExportTest, SelectingADeviceIs1AlsoWhenOnlyTheSelectionCommandFails) {
   // A client that goes away with its first command.
   std::unique_ptr<velm_sim::ClientWindow> window;
   std::atomic<bool> commanded{false};
-  window = std::make_unique<velm_sim::ClientWindow>(kClientWindowClass, [&](const velm_sim::CopyData&) -> intptr_t {
-    commanded = true;
-    DestroyWindow(GetVelmClientIPCWindow());
-    return 0;
-  });
+  window = std::make_unique<velm_sim::ClientWindow>(kClientWindowClass,
+                                                    [&](const velm_sim::CopyData&) -> intptr_t {
+                                                      commanded = true;
+                                                      DestroyWindow(GetVelmClientIPCWindow());
+                                                      return 0;
+                                                    });
   GetSDKAvailableFeatures();
   EXPECT_EQ(SetAudioDevice(L"N", L"V", L"P", 1), 1U);
   EXPECT_TRUE(commanded);

@@ -71,8 +71,7 @@ std::filesystem::path MakeDirectoryOfLength(const std::filesystem::path& parent,
     const size_t name = missing <= kLongestName ? missing : std::min(kLongestName, missing - 2);
     if (name == 0) throw std::invalid_argument("no directory name fits into one character");
     path += L'\\' + std::wstring(name, L'd');
-    if (!CreateDirectoryW(LongForm(path).c_str(), nullptr) &&
-        GetLastError() != ERROR_ALREADY_EXISTS)
+    if (!CreateDirectoryW(LongForm(path).c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)
       throw std::runtime_error("cannot create a long directory");
   }
   return path;

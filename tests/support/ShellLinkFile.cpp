@@ -35,7 +35,8 @@ class Bytes {
 
 void AppendHeader(Bytes& bytes, uint32_t flags) {
   constexpr uint32_t kHeaderSize = 0x4C;
-  constexpr std::string_view kLinkClass("\x01\x14\x02\x00\x00\x00\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x46", 16);
+  constexpr std::string_view kLinkClass("\x01\x14\x02\x00\x00\x00\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x46",
+                                        16);
   constexpr uint32_t kShowNormal = 1;
   bytes.U32(kHeaderSize).Text(kLinkClass).U32(flags);
   bytes.Zeros(4 + 3 * 8 + 4 + 4);  // attributes, three times, file size, icon index

@@ -40,7 +40,8 @@ class ClientWindow::Impl {
     m_thread = std::thread([this, &started] { Run(started); });
     if (const DWORD code = error.get(); code != ERROR_SUCCESS) {
       m_thread.join();
-      throw std::system_error(static_cast<int>(code), std::system_category(), "cannot make the client's window");
+      throw std::system_error(static_cast<int>(code), std::system_category(),
+                              "cannot make the client's window");
     }
   }
 
@@ -62,14 +63,16 @@ class ClientWindow::Impl {
     started.set_value(m_window ? ERROR_SUCCESS : GetLastError());
     if (!m_window) return;
     MSG message;
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+      DispatchMessageW(&message);
   }
 
   static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
       case WM_NCCREATE:
-        SetWindowLongPtrW(window, GWLP_USERDATA,
-                          reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
+        SetWindowLongPtrW(
+            window, GWLP_USERDATA,
+            reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
         break;
       case WM_COPYDATA: {
         const auto* self = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));

@@ -30,9 +30,9 @@ std::wstring SystemText(uint32_t error) {
 
 std::string ToUtf8(std::wstring_view text) {
   const int length = static_cast<int>(text.size());
-  std::string narrow(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0,
-                                                             nullptr, nullptr)),
-                     '\0');
+  std::string narrow(
+      static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
+      '\0');
   WideCharToMultiByte(CP_UTF8, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()),
                       nullptr, nullptr);
   return narrow;
