@@ -192,6 +192,13 @@ TEST_F(FakeProductTest, ForeignTextInPlaceOfTheJournalIsAnError) {
   EXPECT_TRUE(fs::exists(fs::path(Directory()) / "fake_product.journal"));
 }
 
+TEST_F(FakeProductTest, JournalThatNamesAFileElsewhereIsAnError) {
+  scratch.MakeFile(L"bin\\fake_product.journal", "velm fake product 1\nfile ..\\mine.txt\n");
+  scratch.MakeFile(L"mine.txt");
+  EXPECT_THROW(FakeProduct::RemoveFrom(scratch.Path().wstring() + L"\\bin"), FakeProductError);
+  EXPECT_TRUE(fs::exists(scratch.Path() / "mine.txt"));
+}
+
 TEST_F(FakeProductTest, HalfALineAtTheEndOfTheJournalIsIgnored) {
   scratch.MakeFile(L"fake_product.journal", "velm fake product 1\nfile a.txt\nfile b.t");
   scratch.MakeFile(L"a.txt");
