@@ -109,7 +109,7 @@ bool ResolveAppVLink(const wchar_t* linkPath, wchar_t* target) {
   return true;
 }
 
-unsigned FindAppVLink(const wchar_t* directory, wchar_t* linkPath, wchar_t* target) {
+uint32_t FindAppVLink(const wchar_t* directory, wchar_t* linkPath, wchar_t* target) {
   if (!directory || !linkPath || !target) return 0;
   const CurrentDirectoryScope scope(directory);
   if (!scope.Entered()) {

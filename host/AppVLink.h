@@ -4,6 +4,7 @@
 // desktop.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,7 +17,7 @@ inline constexpr size_t kAppVTargetLimit = 520;    // the same of a link's expan
 // fills `linkPath` (kAppVLinkPathLimit units) and `target` (kAppVTargetLimit units), each cut to fit; or 0,
 // also for a null pointer, and leaves both alone. The process's current directory is `directory` during
 // the search and what it was afterwards.
-unsigned FindAppVLink(const wchar_t* directory, wchar_t* linkPath, wchar_t* target);
+uint32_t FindAppVLink(const wchar_t* directory, wchar_t* linkPath, wchar_t* target);
 
 // Answers whether the link leads to the client's program in a virtualised package, and fills `target`
 // (kAppVTargetLimit units) with where it leads; false leaves `target` alone. COM must be initialised on

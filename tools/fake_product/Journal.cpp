@@ -18,7 +18,12 @@ Journal::Entry ParseLine(std::string_view line, const std::wstring& path) {
   const auto kind = std::find(std::begin(kKindNames), std::end(kKindNames), line.substr(0, blank));
   if (blank == std::string_view::npos || kind == std::end(kKindNames))
     throw FakeProductError("not a journal of fake products: " + ToUtf8(path));
-  return {static_cast<Journal::Kind>(kind - std::begin(kKindNames)), FromUtf8(line.substr(blank + 1))};
+  Journal::Entry entry{static_cast<Journal::Kind>(kind - std::begin(kKindNames)),
+                       FromUtf8(line.substr(blank + 1))};
+  // A file is removed by its name in the directory, whatever a hand-edited journal says.
+  if (entry.kind == Journal::Kind::kFile && entry.name.find_first_of(L"\\/:") != std::wstring::npos)
+    throw FakeProductError("not a journal of fake products: " + ToUtf8(path));
+  return entry;
 }
 
 std::string ReadAll(HANDLE file, const std::wstring& path) {
