@@ -5,13 +5,9 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <map>
 #include <string>
-#include <vector>
 
-#include "benchmark/benchmark.h"
+#include "bench/RatioReporter.h"
 #include "common/client/utility/src/CmmConvert.h"
 
 namespace {
@@ -76,61 +72,17 @@ void HeapBlock(benchmark::State& state, size_t size) {
   }
 }
 
-constexpr char kFloorSuffix[] = "/floor";
-
-// Prints the usual table, and at the end how many times its floor each conversion costs, by the median of
-// the repetitions.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  RatioReporter() : ConsoleReporter(OO_Tabular) {}
-
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration)
-        m_times[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-    }
-  }
-
-  void Finalize() override {
-    for (const auto& [name, times] : m_times) {
-      const auto floor = m_times.find(name + kFloorSuffix);
-      if (floor == m_times.end()) continue;
-      std::printf("%-20s %6.1f ns, floor %6.1f ns: %.2f times its floor\n", name.c_str(), Median(times),
-                  Median(floor->second), Median(times) / Median(floor->second));
-    }
-  }
-
- private:
-  static double Median(std::vector<double> times) {
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
-  }
-
-  std::map<std::string, std::vector<double>> m_times;
-};
-
-template <typename Function, typename Text>
-void Register(const std::string& name, Function function, const Text& text) {
-  benchmark::RegisterBenchmark(name.c_str(), function, text)->Repetitions(9)->MinTime(0.05);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   for (const char* kind : {"ascii", "latin", "chinese"}) {
     const std::wstring text = MakeText(kind);
     const std::string utf8 = Cmm::A2BT<65001, wchar_t, char>(text).GetCData();
-    Register(std::string("to_utf8_") + kind, ToUtf8, text);
-    Register(std::string("to_utf8_") + kind + kFloorSuffix, ToUtf8Floor, text);
-    Register(std::string("to_utf16_") + kind, ToUtf16, utf8);
-    Register(std::string("to_utf16_") + kind + kFloorSuffix, ToUtf16Floor, utf8);
+    velm_bench::Register(std::string("to_utf8_") + kind, ToUtf8, text);
+    velm_bench::Register(std::string("to_utf8_") + kind + velm_bench::kFloorSuffix, ToUtf8Floor, text);
+    velm_bench::Register(std::string("to_utf16_") + kind, ToUtf16, utf8);
+    velm_bench::Register(std::string("to_utf16_") + kind + velm_bench::kFloorSuffix, ToUtf16Floor, utf8);
   }
-  Register("heap_block", HeapBlock, kUnits + 1);
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  return 0;
+  velm_bench::Register("heap_block", HeapBlock, kUnits + 1);
+  return velm_bench::RunBenchmarks(argc, argv);
 }

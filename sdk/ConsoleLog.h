@@ -42,6 +42,7 @@ namespace console_log {
 inline constexpr int kReportingLevel = 7;
 // "- ", the time of day, the level's name, and a tab for each level above kLogDebug.
 void AppendHead(std::wstring& line, int level);
+void AppendNarrow(std::wstring& line, const char* text);
 void AppendNumber(std::wstring& line, long long value);
 void AppendNumber(std::wstring& line, unsigned long long value);
 }  // namespace console_log
@@ -52,7 +53,7 @@ template <typename OutputPolicy>
 class WLog {
  public:
   explicit WLog(int level) {
-    constexpr size_t kTypicalLine = 256;
+    constexpr size_t kTypicalLine = 512;
     m_line.reserve(kTypicalLine);
     console_log::AppendHead(m_line, level);
   }
@@ -73,9 +74,7 @@ class WLog {
   }
   // Narrow text is widened byte by byte.
   WLog& operator<<(const char* text) {
-    if (text)
-      for (const unsigned char byte : std::string_view(text))
-        m_line += static_cast<wchar_t>(byte);
+    if (text) console_log::AppendNarrow(m_line, text);
     return *this;
   }
   WLog& operator<<(const Cmm::CStringT<wchar_t>& text) {

@@ -2,14 +2,11 @@
 
 // A notification of the client: UTF-8 JSON turned into values, with no system call and no state.
 
+#include <json/value.h>
+
 #include <cstdint>
-#include <memory>
 
 #include "sdk/SdkCommand.h"
-
-namespace Json {
-class Value;
-}
 
 namespace Velm3rdSDK {
 
@@ -42,11 +39,6 @@ struct Notification {
 // Reads a notification in two steps, so that one which nobody asked for costs no more than its parsing.
 class NotificationReader {
  public:
-  NotificationReader();
-  ~NotificationReader();
-  NotificationReader(const NotificationReader&) = delete;
-  NotificationReader& operator=(const NotificationReader&) = delete;
-
   // Parses the whole text. Returns the commandId, 1 to 10, or 0 when the text is no JSON object or has no
   // integer commandId in that range.
   int32_t ParseCommandId(const char* utf8);
@@ -55,7 +47,7 @@ class NotificationReader {
   void Read(Notification& out) const;
 
  private:
-  std::unique_ptr<Json::Value> m_root;
+  Json::Value m_root;
   int32_t m_commandId = 0;
 };
 
