@@ -11,6 +11,7 @@
 #include "common/client/utility/src/UniqueHandle.h"
 #include "host/ProductPathHelper.h"
 #include "sdk/SdkImplHelper.h"
+#include "tools/common/Text.h"
 #include "tools/fake_product/Journal.h"
 #include "tools/fake_product/Registration.h"
 #include "tools/fake_product/SystemError.h"
@@ -71,8 +72,7 @@ void Install(const FakeProductOptions& options, const std::wstring& directory, J
   const std::vector<unsigned char> versioned = ImageOfVersion(options.version);
   const std::vector<unsigned char> standIn(kStandInText.begin(), kStandInText.end());
   for (const Cmm::RequiredFile& file : Cmm::RequiredFiles(options.kind))
-    CreateNewFile(directory, FromUtf8(file.name), file.name == kVersionedFile ? versioned : standIn,
-                  journal);
+    CreateNewFile(directory, FromUtf8(file.name), file.name == kVersionedFile ? versioned : standIn, journal);
   if (options.registerCommand) RegisterCommand(directory + L"\\Velm.exe", journal);
 }
 
@@ -144,7 +144,9 @@ bool FakeProduct::RemoveFrom(const std::wstring& directory) {
   const std::optional<std::vector<Journal::Entry>> entries = Journal::Read(directory);
   if (!entries) return false;
   // The journal itself goes when only directories are left, one of which holds it.
-  const auto isDirectory = [](const Journal::Entry& entry) { return entry.kind == Journal::Kind::kDirectory; };
+  const auto isDirectory = [](const Journal::Entry& entry) {
+    return entry.kind == Journal::Kind::kDirectory;
+  };
   for (const Journal::Entry& entry : std::views::reverse(*entries))
     if (!isDirectory(entry)) RemoveEntry(directory, entry);
   RemoveOneFile(Journal::PathIn(directory));

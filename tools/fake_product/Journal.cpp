@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tools/common/Text.h"
 #include "tools/fake_product/SystemError.h"
 
 namespace velm_tools {
@@ -64,9 +65,9 @@ bool Journal::ExistsIn(const std::wstring& directory) {
 
 std::optional<std::vector<Journal::Entry>> Journal::Read(const std::wstring& directory) {
   const std::wstring path = PathIn(directory);
-  const Cmm::UniqueFileHandle file(
-      CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const Cmm::UniqueFileHandle file(CreateFileW(path.c_str(), GENERIC_READ,
+                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                               nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) {
     const DWORD error = GetLastError();
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return std::nullopt;
@@ -74,8 +75,7 @@ std::optional<std::vector<Journal::Entry>> Journal::Read(const std::wstring& dir
   }
   const std::string text = ReadAll(file.get(), path);
   std::string_view rest = text;
-  if (!rest.starts_with(kHeadLine))
-    throw FakeProductError("not a journal of fake products: " + ToUtf8(path));
+  if (!rest.starts_with(kHeadLine)) throw FakeProductError("not a journal of fake products: " + ToUtf8(path));
   rest.remove_prefix(kHeadLine.size());
 
   std::vector<Entry> entries;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "common/client/utility/src/UniqueHandle.h"
+#include "tools/common/Text.h"
 #include "tools/fake_product/Journal.h"
 #include "tools/fake_product/SystemError.h"
 
@@ -50,7 +51,8 @@ std::optional<std::wstring> ReadDefault(const Hive& hive, const std::wstring& pa
   if (status == ERROR_SUCCESS)
     status = RegGetValueW(hive.key, path.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size);
   if (IsMissing(status)) return std::nullopt;
-  if (status != ERROR_SUCCESS) ThrowSystemError("cannot read", FullName(hive, path), static_cast<DWORD>(status));
+  if (status != ERROR_SUCCESS)
+    ThrowSystemError("cannot read", FullName(hive, path), static_cast<DWORD>(status));
   text.resize(text.find_last_not_of(L'\0') + 1);
   return text;
 }
@@ -62,9 +64,8 @@ Cmm::UniqueRegistryKey CreateKey(const Hive& hive, const std::wstring& path, Jou
     end = path.find(L'\\', end == 0 ? 0 : end + 1);
     const std::wstring level = path.substr(0, end);
     DWORD disposition = 0;
-    const LSTATUS status =
-        RegCreateKeyExW(hive.key, level.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ | KEY_SET_VALUE,
-                        nullptr, key.put(), &disposition);
+    const LSTATUS status = RegCreateKeyExW(hive.key, level.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                           KEY_READ | KEY_SET_VALUE, nullptr, key.put(), &disposition);
     if (status != ERROR_SUCCESS)
       ThrowSystemError("cannot create", FullName(hive, level), static_cast<DWORD>(status));
     if (disposition == REG_CREATED_NEW_KEY) journal.Note(Journal::Kind::kKey, FullName(hive, level));
@@ -80,7 +81,8 @@ void WriteCommand(const Hive& hive, const std::wstring& path, const std::wstring
   const auto* bytes = reinterpret_cast<const BYTE*>(command.c_str());
   const auto size = static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t));
   const LSTATUS status = RegSetValueExW(key.get(), nullptr, 0, REG_SZ, bytes, size);
-  if (status != ERROR_SUCCESS) ThrowSystemError("cannot write", FullName(hive, path), static_cast<DWORD>(status));
+  if (status != ERROR_SUCCESS)
+    ThrowSystemError("cannot write", FullName(hive, path), static_cast<DWORD>(status));
   journal.Note(Journal::Kind::kCommand, FullName(hive, path) + L'\t' + command);
 }
 
