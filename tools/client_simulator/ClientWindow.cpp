@@ -13,20 +13,29 @@ namespace {
 constexpr const wchar_t* kHostApplicationWindow = L"VelmLauncher3rdSdk_HostWindow";
 constexpr int kClassNameChars = 64;
 
+bool IsHostWindow(HWND window) {
+  wchar_t name[kClassNameChars] = {};
+  return GetClassNameW(window, name, kClassNameChars) && std::wcscmp(name, kHostApplicationWindow) == 0;
+}
+
 struct Outgoing {
   COPYDATASTRUCT data{};
   unsigned timeoutMs = 0;
-  int windows = 0;
+  Delivery delivery;
 };
 
 BOOL CALLBACK SendToHost(HWND window, LPARAM parameter) {
-  wchar_t name[kClassNameChars] = {};
-  if (GetClassNameW(window, name, kClassNameChars) && std::wcscmp(name, kHostApplicationWindow) == 0) {
-    Outgoing& outgoing = *reinterpret_cast<Outgoing*>(parameter);
-    ++outgoing.windows;
-    SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&outgoing.data), SMTO_NORMAL,
-                        outgoing.timeoutMs, nullptr);
-  }
+  if (!IsHostWindow(window)) return TRUE;
+  Outgoing& outgoing = *reinterpret_cast<Outgoing*>(parameter);
+  ++outgoing.delivery.hosts;
+  if (!SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&outgoing.data), SMTO_NORMAL,
+                           outgoing.timeoutMs, nullptr))
+    ++outgoing.delivery.unanswered;
+  return TRUE;
+}
+
+BOOL CALLBACK CountHost(HWND window, LPARAM parameter) {
+  if (IsHostWindow(window)) ++*reinterpret_cast<int*>(parameter);
   return TRUE;
 }
 
@@ -91,6 +100,7 @@ class ClientWindow::Impl {
     CopyData received;
     received.windowClass = m_class;
     received.id = data.dwData;
+    received.size = data.cbData;
     received.hasData = data.lpData != nullptr;
     if (data.lpData) received.bytes.assign(static_cast<const char*>(data.lpData), data.cbData);
     return m_handler(received);
@@ -107,14 +117,24 @@ ClientWindow::ClientWindow(const wchar_t* windowClass, Handler handler)
 
 ClientWindow::~ClientWindow() = default;
 
-int SendToHosts(const char* bytes, size_t size, uintptr_t id, unsigned timeoutMs) {
+Delivery DeliverToHosts(const char* bytes, size_t size, uintptr_t id, unsigned timeoutMs) {
   Outgoing outgoing;
   outgoing.data.dwData = id;
   outgoing.data.cbData = static_cast<DWORD>(size);
   outgoing.data.lpData = const_cast<char*>(bytes);
   outgoing.timeoutMs = timeoutMs;
   EnumWindows(SendToHost, reinterpret_cast<LPARAM>(&outgoing));
-  return outgoing.windows;
+  return outgoing.delivery;
+}
+
+int SendToHosts(const char* bytes, size_t size, uintptr_t id, unsigned timeoutMs) {
+  return DeliverToHosts(bytes, size, id, timeoutMs).hosts;
+}
+
+int CountHosts() {
+  int hosts = 0;
+  EnumWindows(CountHost, reinterpret_cast<LPARAM>(&hosts));
+  return hosts;
 }
 
 int NotifyHosts(const std::string& text) {

@@ -17,6 +17,7 @@ inline constexpr const wchar_t* kHelperWindow = L"VelmPTApp_VVHOST_HostWindow";
 struct CopyData {
   std::wstring windowClass;  // of the window that received it
   uintptr_t id = 0;          // dwData
+  size_t size = 0;           // cbData
   bool hasData = false;      // lpData was not null
   std::string bytes;         // lpData, terminator included if the sender sent one
 
@@ -41,10 +42,19 @@ class ClientWindow {
   std::unique_ptr<Impl> m_impl;
 };
 
+struct Delivery {
+  int hosts = 0;       // host applications on this desktop
+  int unanswered = 0;  // those of them that did not handle the message in time
+};
+
 // Sends `size` bytes, null for none, to the hidden window of every host application on this desktop and
-// waits until each has handled it or `timeoutMs` has passed. Returns how many windows there were.
-// `id` is 10 for what a client really sends.
+// waits until each has handled it or `timeoutMs` has passed. `id` is 10 for what a client really sends.
+Delivery DeliverToHosts(const char* bytes, size_t size, uintptr_t id = 10, unsigned timeoutMs = 5000);
+
+// DeliverToHosts() for callers that only need the number of host applications.
 int SendToHosts(const char* bytes, size_t size, uintptr_t id = 10, unsigned timeoutMs = 5000);
+
+int CountHosts();
 
 // A notification's text with its terminator.
 int NotifyHosts(const std::string& text);

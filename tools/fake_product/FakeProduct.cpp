@@ -11,6 +11,7 @@
 #include "common/client/utility/src/UniqueHandle.h"
 #include "host/ProductPathHelper.h"
 #include "sdk/SdkImplHelper.h"
+#include "tools/common/Text.h"
 #include "tools/fake_product/Journal.h"
 #include "tools/fake_product/Registration.h"
 #include "tools/fake_product/SystemError.h"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tools/common/Text.h"
 #include "tools/fake_product/SystemError.h"
 
 namespace velm_tools {

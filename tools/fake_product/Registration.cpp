@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "common/client/utility/src/UniqueHandle.h"
+#include "tools/common/Text.h"
 #include "tools/fake_product/Journal.h"
 #include "tools/fake_product/SystemError.h"
 

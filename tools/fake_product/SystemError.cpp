@@ -2,18 +2,13 @@
 
 #include <windows.h>
 
+#include <string>
+
 #include "common/client/utility/src/UniqueHandle.h"
+#include "tools/common/Text.h"
 
 namespace velm_tools {
 namespace {
-
-std::wstring Widen(UINT codePage, std::string_view text) {
-  const int length = static_cast<int>(text.size());
-  std::wstring wide(static_cast<size_t>(MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0)),
-                    L'\0');
-  MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
-  return wide;
-}
 
 std::wstring SystemText(uint32_t error) {
   wchar_t* text = nullptr;
@@ -27,24 +22,6 @@ std::wstring SystemText(uint32_t error) {
 }
 
 }  // namespace
-
-std::string ToUtf8(std::wstring_view text) {
-  const int length = static_cast<int>(text.size());
-  std::string narrow(
-      static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
-      '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()),
-                      nullptr, nullptr);
-  return narrow;
-}
-
-std::wstring FromUtf8(std::string_view text) {
-  return Widen(CP_UTF8, text);
-}
-
-std::wstring FromAnsi(std::string_view text) {
-  return Widen(CP_ACP, text);
-}
 
 void ThrowSystemError(std::string_view doing, std::wstring_view what, uint32_t error) {
   std::wstring text = FromUtf8(doing) + L' ';
