@@ -169,13 +169,17 @@ class ChannelTest : public testing::Test {
   // thread asks for it.
   ChannelTest() : m_instance(CSdkMsgChannel::Instance()), channel(std::make_unique<CSdkMsgChannel>()) {}
   ~ChannelTest() override {
-    StopAndAwait([&] { channel->Exit(); });
+    Exit(*channel);
     channel.reset();
     g_sdkImplHelper.m_bServiceMode = 0;
     g_sdkImplHelper.ReleasePathHelper();
   }
 
   SdkMsgChannelTestAccess Fields() { return {*channel}; }
+
+  static void Exit(CSdkMsgChannel& leaving) {
+    StopAndAwait([&] { leaving.Exit(); });
+  }
 
  private:
   CSdkMsgChannel& m_instance;

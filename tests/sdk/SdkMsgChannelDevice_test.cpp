@@ -115,7 +115,7 @@ TEST_F(SharedDeviceTest, ExitEmptiesTheRecordsAndKeepsTheCount) {
   channel->SetAudioDevice(L"Second of two", nullptr, nullptr, nullptr);
   const DeviceTableLayout* table = Fields().Table().View();
   const uint32_t count = table->count;
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(table->count, count);
   EXPECT_EQ(Find(L"First of two"), nullptr);
   EXPECT_EQ(Find(L"Second of two"), nullptr);
@@ -125,13 +125,13 @@ TEST_F(SharedDeviceTest, ExitEmptiesTheRecordsAndKeepsTheCount) {
 TEST_F(SharedDeviceTest, DeviceWithALongNameLeavesTheTableAtExit) {
   channel->SetAudioDevice(std::wstring(150, L'l').c_str(), nullptr, nullptr, nullptr);
   ASSERT_NE(Find(std::wstring(99, L'l')), nullptr);
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(Find(std::wstring(99, L'l')), nullptr);
 }
 
 TEST_F(SharedDeviceTest, ExitEmptiesTheNameAndItsListAndLeavesTheGuidList) {
   channel->SetAudioDevice(L"Leaving", L"V", L"P", L"{G}");
-  channel->Exit();
+  Exit(*channel);
   EXPECT_STREQ(Fields().Device().name, L"");
   EXPECT_STREQ(Fields().Device().usbVid, L"V");
   EXPECT_EQ(Fields().DeviceNames(), 0U);
@@ -185,7 +185,7 @@ TEST_F(DeviceTest, WithoutASelectedNameOnlyTheGuidDecides) {
 
 TEST_F(DeviceTest, AfterExitTheEmptiedNameListHoldsNamedNotificationsBack) {
   channel->SetAudioDevice(L"Headset", nullptr, nullptr, nullptr);
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(Filter(L"Headset", nullptr), 1);
   EXPECT_EQ(Filter(nullptr, nullptr), 0);
 }

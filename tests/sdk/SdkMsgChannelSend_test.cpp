@@ -27,7 +27,7 @@ class SendTest : public ChannelTest {
     Fields().ServiceModeIPC() = 1;
     Fields().ServiceModeClient() = m_route->MakeServiceModeClient();
   }
-  ~SendTest() override { channel->Exit(); }
+  ~SendTest() override { Exit(*channel); }
 
   std::unique_ptr<FakeIpcRoute> m_route;
 };

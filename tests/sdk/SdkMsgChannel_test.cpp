@@ -85,7 +85,7 @@ TEST_F(SdkMsgChannelTest, MessageThreadKeepsItsWindowOutOfTheChannelsField) {
 TEST_F(SdkMsgChannelTest, ExitEndsTheThreadAndWithItTheWindow) {
   channel->Init();
   ASSERT_TRUE(WaitUntil([] { return LauncherWindow() != nullptr; }));
-  StopAndAwait([&] { channel->Exit(); });
+  Exit(*channel);
   EXPECT_EQ(LauncherWindow(), nullptr);
 }
 
@@ -105,7 +105,7 @@ TEST_F(SdkMsgChannelTest, ExitThenInitMakesANewThreadAndWindow) {
   channel->Init();
   ASSERT_TRUE(WaitUntil([] { return LauncherWindow() != nullptr; }));
   const DWORD firstThread = GetWindowThreadProcessId(LauncherWindow(), nullptr);
-  StopAndAwait([&] { channel->Exit(); });
+  Exit(*channel);
   EXPECT_EQ(channel->Init(), 1U);
   ASSERT_TRUE(WaitUntil([] { return LauncherWindow() != nullptr; }));
   EXPECT_NE(GetWindowThreadProcessId(LauncherWindow(), nullptr), firstThread);
@@ -116,7 +116,7 @@ TEST_F(SdkMsgChannelTest, ExitDestroysAWindowInItsField) {
       CreateWindowExW(0, L"Button", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
   ASSERT_NE(window, nullptr);
   Fields().Window() = window;
-  channel->Exit();
+  Exit(*channel);
   EXPECT_FALSE(IsWindow(window));
   EXPECT_EQ(Fields().Window(), nullptr);
 }
@@ -134,7 +134,7 @@ TEST_F(SdkMsgChannelTest, ExitClearsTheRawSinkAndKeepsFeaturesFlagsAndCallbacks)
   Fields().RequestServiceMode() = 1;
   Fields().AudioIPC() = 1;
   Fields().ServiceModeIPC() = 1;
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(Fields().RawSink(), nullptr);
   EXPECT_NE(channel->Callbacks().audio, nullptr);
   EXPECT_EQ(Fields().Features(), 0x3ff);
@@ -146,7 +146,7 @@ TEST_F(SdkMsgChannelTest, ExitClearsTheRawSinkAndKeepsFeaturesFlagsAndCallbacks)
 TEST_F(SdkMsgChannelTest, ExitReleasesThePathHelper) {
   g_sdkImplHelper.HasVelmClient();
   ASSERT_NE(g_sdkImplHelper.m_pathHelper, nullptr);
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(g_sdkImplHelper.m_pathHelper, nullptr);
 }
 
@@ -162,7 +162,7 @@ TEST_F(SdkMsgChannelTest, InitOpensTheDeviceTableUnlessInServiceMode) {
   EXPECT_EQ(fields.Table().View(), nullptr);
   EXPECT_EQ(service.SetAudioDevice(L"no table", nullptr, nullptr, nullptr), 1U);
   EXPECT_STREQ(fields.Device().name, L"no table");
-  service.Exit();
+  Exit(service);
 }
 
 TEST_F(SdkMsgChannelTest, InitMakesTheAudioClientAndConnectsItToTheOwnProcess) {
@@ -172,7 +172,7 @@ TEST_F(SdkMsgChannelTest, InitMakesTheAudioClientAndConnectsItToTheOwnProcess) {
   EXPECT_EQ(route.audioCalls, (Calls{L"SetSink", L"Connect 0"}));
   EXPECT_EQ(route.audio->m_sink, channel.get());
   EXPECT_TRUE(route.serviceCalls.empty());
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(route.audioCalls, (Calls{L"SetSink", L"Connect 0", L"Disconnect", L"delete"}));
 }
 
@@ -185,7 +185,7 @@ TEST_F(SdkMsgChannelTest, InitMakesTheServiceModeClientAndConnectsItToASession) 
   EXPECT_TRUE(route.serviceCalls[1].starts_with(L"Connect "));
   EXPECT_EQ(route.serviceMode->m_sink, channel.get());
   EXPECT_TRUE(route.audioCalls.empty());
-  channel->Exit();
+  Exit(*channel);
   EXPECT_EQ(Calls(route.serviceCalls.begin() + 2, route.serviceCalls.end()),
             (Calls{L"Disconnect", L"delete"}));
 }

@@ -25,6 +25,13 @@ class ExportTest : public testing::Test {
 
   SdkMsgChannelTestAccess Fields() { return {CSdkMsgChannel::Instance()}; }
 
+  // DestroySdkChannel, and the end of the thread that it does not wait for.
+  static uint32_t Destroy() {
+    uint32_t code = 0;
+    StopAndAwait([&] { code = DestroySdkChannel(); });
+    return code;
+  }
+
  private:
   // Back to the state at load, in which there is no channel.
   void Reset() {
@@ -232,7 +239,7 @@ std::vector<Setter> Setters() {
 TEST_F(ExportTest, EachSetterLogsItsLineStartsTheChannelAndFillsItsSlot) {
   ASSERT_EQ(Setters().size(), 11U);
   for (const Setter& setter : Setters()) {
-    StopAndAwait([] { DestroySdkChannel(); });
+    Destroy();
     LogCapture log;
     EXPECT_EQ(setter.set(true), 0U);
     EXPECT_EQ(log.Texts()[0], setter.entryLine);
@@ -330,13 +337,13 @@ TEST_F(ExportTest, DeviceFunctionsTakeNulls) {
 
 TEST_F(ExportTest, SecondDestroyIs999) {
   SetCallBackFunc(nullptr);
-  EXPECT_EQ(DestroySdkChannel(), 0U);
+  EXPECT_EQ(Destroy(), 0U);
   EXPECT_EQ(DestroySdkChannel(), 999U);
 }
 
 TEST_F(ExportTest, AfterDestroyCommandsAre999AndRegisterMsgIs0UntilEstablishedAgain) {
   SetCallBackFunc(nullptr);
-  DestroySdkChannel();
+  Destroy();
   EXPECT_EQ(SetCameraCmd(1), 999U);
   EXPECT_EQ(RegisterMsg(0x3fd), 0U);
   GetSDKAvailableFeatures();
@@ -350,7 +357,7 @@ TEST_F(ExportTest, CallbacksAndFeaturesSurviveDestroyAndTheRawSinkDoesNot) {
   InitVelm3rdSdkChannel(&sink);
   SetCameraCallBack(callback);
   RegisterMsg(0x3fd);
-  DestroySdkChannel();
+  Destroy();
   EXPECT_EQ(CSdkMsgChannel::Instance().Callbacks().camera, callback);
   EXPECT_EQ(Fields().Features(), 0x3fd);
   EXPECT_EQ(Fields().RawSink(), nullptr);
