@@ -84,6 +84,7 @@ DWORD WINAPI MessageThreadProc(void* ownModule) {
   if (window) SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(CopyDataWindowProc));
   AllowCopyDataFromAnyLevel();
   const DWORD result = PumpMessages();
+  if (window) DestroyWindow(window);  // while its procedure is still loaded
   FreeLibraryAndExitThread(static_cast<HMODULE>(ownModule), result);
 }
 
