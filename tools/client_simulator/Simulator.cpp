@@ -4,15 +4,11 @@
 
 #include "tools/common/Console.h"
 #include "tools/common/JsonLine.h"
+#include "tools/common/Overloaded.h"
 #include "tools/common/Text.h"
 
 namespace velm_sim {
 namespace {
-
-template <typename... Handlers>
-struct Overloaded : Handlers... {
-  using Handlers::operator()...;
-};
 
 std::string Hosts(int count) {
   if (count == 0) return "no host application";
@@ -39,7 +35,7 @@ void Simulator::OnCommand(const Command& command) {
 }
 
 bool Simulator::Run(const Step& step) {
-  return std::visit(Overloaded{
+  return std::visit(velm_tools::Overloaded{
                         [this](const SendStep& send) {
                           Send(send);
                           return true;
