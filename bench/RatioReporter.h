@@ -54,8 +54,15 @@ void Register(const std::string& name, Function function, Arguments&&... argumen
       ->MinTime(0.05);
 }
 
-// Runs what was registered; the result of main.
+// Runs what was registered; the result of main. The repetitions of a benchmark and of its floor are
+// interleaved, so that what else the machine does meets both alike.
 inline int RunBenchmarks(int argc, char** argv) {
+  static char interleaved[] = "--benchmark_enable_random_interleaving=true";
+  std::vector<char*> arguments(argv, argv + argc);
+  arguments.insert(arguments.begin() + 1, interleaved);
+  arguments.push_back(nullptr);
+  argc = static_cast<int>(arguments.size()) - 1;
+  argv = arguments.data();
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
   RatioReporter reporter;
