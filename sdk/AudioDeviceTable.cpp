@@ -58,13 +58,10 @@ void CAudioDeviceTable::OpenTable() {
       MapViewOfFile(m_hMapping, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(DeviceTableLayout)));
   if (!m_pView) return;
   if (created) m_pView->count = 0;
-  m_uCount = m_pView->count;
 }
 
 void CAudioDeviceTable::AddDevice(const DeviceRecord& record) {
-  if (!m_pView) return;
-  Velm3rdSDK::AddDevice(*m_pView, record);
-  m_uCount = m_pView->count;
+  if (m_pView) Velm3rdSDK::AddDevice(*m_pView, record);
 }
 
 void CAudioDeviceTable::RemoveDevice(const wchar_t* name) {

@@ -60,7 +60,6 @@ class CAudioDeviceTable {
  private:
   void* m_hMapping = nullptr;
   DeviceTableLayout* m_pView = nullptr;
-  uint32_t m_uCount = 0;
 };
 
 }  // namespace Velm3rdSDK

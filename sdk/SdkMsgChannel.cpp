@@ -150,20 +150,18 @@ uint32_t CSdkMsgChannel::RegisterFeature(int64_t features) {
 uint32_t CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode() {
   m_bRequestServiceMode = 1;
   g_sdkImplHelper.m_bServiceMode = 1;
+  uint32_t errCode = SDK_OK;
   if (!g_sdkImplHelper.HasVelmClient()) {
+    errCode = SDK_ERR_NO_CLIENT;
     SDK_LOG(kLogInfo)
         << L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] HasVelmClient failed, errCode:"
-        << static_cast<uint32_t>(SDK_ERR_NO_CLIENT);
-    return SDK_ERR_NO_CLIENT;
-  }
-  uint32_t errCode = SDK_OK;
-  const ClientVersion version = ReadClientVersion();
-  if (!SupportsServiceMode(version)) {
+        << errCode;
+  } else if (const ClientVersion version = ReadClientVersion(); !SupportsServiceMode(version)) {
+    errCode = SDK_ERR_CLIENT_TOO_OLD;
     LogTooOld(
         L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] Need update Velm client to 5.7.6 or "
         L"later to support service mode! Current Velm Client Version:",
         version);
-    errCode = SDK_ERR_CLIENT_TOO_OLD;
   } else if (GetIpcClientFactory()) {
     m_b3rdSDKIPC = 1;
   }

@@ -306,6 +306,7 @@ TEST_F(SdkMsgChannelTest, ServiceModeRequestWithoutAClientIs2AndTheFlagsAreSet) 
   EXPECT_EQ(Fields().ServiceModeIPC(), 0U);
   EXPECT_TRUE(
       log.Has(L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] HasVelmClient failed, errCode:2"));
+  EXPECT_EQ(log.Texts().back(), L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] errCode:2");
 }
 
 TEST_F(SdkMsgChannelTest, ServiceModeWithClient579Is7AlthoughTheTextSays576) {
