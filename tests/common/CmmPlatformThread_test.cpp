@@ -3,7 +3,7 @@
 #include "common/client/utility/src/CmmEvent.h"
 #include "gtest/gtest.h"
 #include "tests/common/CmmThreadTesting.h"
-#include "tests/common/CountedHeap.h"
+#include "tests/support/CountedHeap.h"
 
 namespace Cmm {
 namespace {
