@@ -237,6 +237,7 @@ TEST_F(BothProgramsTest, TheSimulatorCountsItsHosts) {
 TEST_F(BothProgramsTest, HelloHostPrintsWhatComesUntilEnter) {
   ChildProcess hello(ProgramBeside(L"hello_host.exe"), {});
   EXPECT_NE(NextCommand().find(R"(\"commandId\":1,)"), std::string::npos);
+  ASSERT_TRUE(HostsAppear(1));
   simulator.WriteLine("camera 3");
   EXPECT_TRUE(simulator.ReadLineWith(R"("hosts":1,"unanswered":0)"));
   hello.WriteLine("");

@@ -26,7 +26,7 @@ Cmm::FileVersion ParseVersion(std::string_view text) {
   throw UsageError("version '" + std::string(text) + "' has more than four parts");
 }
 
-std::vector<const wchar_t*> ParseWindows(std::string_view text) {
+std::vector<std::wstring> ParseWindows(std::string_view text) {
   if (text == "host") return {kHostWindow};
   if (text == "helper") return {kHelperWindow};
   if (text == "both") return {kHostWindow, kHelperWindow};

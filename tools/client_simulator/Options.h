@@ -21,8 +21,8 @@ struct Options {
   bool registerCommand = true;
   std::string directory;  // empty: the default
   bool force = false;
-  std::vector<const wchar_t*> windows;  // classes
-  std::string script;                   // path; empty: the standard input
+  std::vector<std::wstring> windows;  // classes
+  std::string script;                 // path; empty: the standard input
   bool stay = false;
   Misbehaviour misbehaviour;
 };

@@ -17,10 +17,10 @@ Command ToCommand(const CopyData& data) {
 
 }  // namespace
 
-WindowRoute::WindowRoute(const std::vector<const wchar_t*>& windowClasses, const CommandHandler& handler) {
-  for (const wchar_t* windowClass : windowClasses)
+WindowRoute::WindowRoute(const std::vector<std::wstring>& windowClasses, const CommandHandler& handler) {
+  for (const std::wstring& windowClass : windowClasses)
     m_windows.push_back(
-        std::make_unique<ClientWindow>(windowClass, [handler](const CopyData& data) -> intptr_t {
+        std::make_unique<ClientWindow>(windowClass.c_str(), [handler](const CopyData& data) -> intptr_t {
           handler(ToCommand(data));
           return 0;
         }));

@@ -11,7 +11,7 @@ namespace velm_sim {
 class WindowRoute : public Route {
  public:
   // Opens a window of each class. Throws std::system_error.
-  WindowRoute(const std::vector<const wchar_t*>& windowClasses, const CommandHandler& handler);
+  WindowRoute(const std::vector<std::wstring>& windowClasses, const CommandHandler& handler);
 
   Delivery Send(const std::optional<std::string>& data, uintptr_t id) override;
   int CountHosts() override;

@@ -65,8 +65,8 @@ void RefuseBesideARealProduct(const Options& options) {
 
 void RefuseBesideAnOpenWindow(const Options& options) {
   if (options.force) return;
-  for (const wchar_t* windowClass : options.windows)
-    if (FindWindowW(windowClass, nullptr))
+  for (const std::wstring& windowClass : options.windows)
+    if (FindWindowW(windowClass.c_str(), nullptr))
       throw Refused("a client is running: its window " + velm_tools::ToUtf8(windowClass) +
                     " is open; --force opens one more");
 }
@@ -113,7 +113,7 @@ std::vector<Step> ReadScript(const std::string& path) {
 
 void ReportReady(const Options& options, const std::optional<FakeProduct>& product) {
   Json::Value windows(Json::arrayValue);
-  for (const wchar_t* windowClass : options.windows)
+  for (const std::wstring& windowClass : options.windows)
     windows.append(velm_tools::ToUtf8(windowClass));
   const bool installed = product.has_value();
   PrintLine(

@@ -28,7 +28,7 @@ class JsonLine {
 // stands in UTF-8.
 std::string ToJson(const Json::Value& value);
 
-// A whole text that is one JSON object or array by the letter of the standard; none for anything else.
+// A whole text that is one JSON object or array; none for anything else.
 std::optional<Json::Value> ParseJson(std::string_view text);
 
 }  // namespace velm_tools
