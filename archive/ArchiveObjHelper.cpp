@@ -27,6 +27,14 @@ CCmmArchiveObjHelper::~CCmmArchiveObjHelper() {
   FreeArchiveObjReader(m_reader);
 }
 
+ICmmArchiveObjWritter* CCmmArchiveObjHelper::GetWritterObj() const {
+  return m_writter;
+}
+
+ICmmArchiveObjReader* CCmmArchiveObjHelper::GetReaderObj() const {
+  return m_reader;
+}
+
 const CStringT<wchar_t>& CCmmArchiveObjHelper::GetPackageName() const {
   if (m_reader) return InstanceOf(m_reader)->GetName();
   if (m_writter) return InstanceOf(m_writter)->GetName();

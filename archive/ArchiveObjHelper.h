@@ -20,8 +20,8 @@ class CMM_EXPORT CCmmArchiveObjHelper {
   CCmmArchiveObjHelper& operator=(const CCmmArchiveObjHelper&) = delete;
   ~CCmmArchiveObjHelper();  // frees the instance
 
-  ICmmArchiveObjWritter* GetWritterObj() const { return m_writter; }
-  ICmmArchiveObjReader* GetReaderObj() const { return m_reader; }
+  ICmmArchiveObjWritter* GetWritterObj() const;
+  ICmmArchiveObjReader* GetReaderObj() const;
   const CStringT<wchar_t>& GetPackageName() const;  // the empty string without an instance
 
   // What has been written, as a stream that is the caller's. Null without a writer.

@@ -88,6 +88,10 @@ int CCmmArchiveObjReader::ReadInt32Value(const char* name) {
   return value;
 }
 
+ICmmArchiveObject* CCmmArchiveObjReader::GetArchiveObject() const {
+  return m_object;
+}
+
 ICmmArchiveObjReader* MakeArchiveObjReader(const unsigned char* data, unsigned size) {
   if (!data || size == 0) return nullptr;
   ICmmArchiveObject* object = CCmmArchiveService::ParseStream(data, size, ICmmArchiveStream::StreamType_Xml);

@@ -47,7 +47,7 @@ class CMM_EXPORT CCmmArchiveObjReader : public ICmmArchiveObjReader {
   const wchar_t* ReadRawString(const char* name) override;
   int ReadInt32Value(const char* name) override;
 
-  ICmmArchiveObject* GetArchiveObject() const { return m_object; }
+  ICmmArchiveObject* GetArchiveObject() const;
 
  private:
   ICmmArchiveObject* m_object;

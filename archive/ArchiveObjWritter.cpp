@@ -74,6 +74,10 @@ int CCmmArchiveObjWritter::WriteInt32Value(const char* name, int value) {
   return Write(m_object, name, Value::ArchDataType_Int32, &Value::SetInt32, value);
 }
 
+ICmmArchiveObject* CCmmArchiveObjWritter::GetArchiveObject() const {
+  return m_object;
+}
+
 ICmmArchiveObjWritter* MakeArchiveObjWritter(const char* packageName) {
   if (!packageName) return nullptr;
   ICmmArchiveObject* object = CCmmArchiveService::MakeObject(Archive::WideFromUtf8(packageName), -1);

@@ -46,7 +46,7 @@ class CMM_EXPORT CCmmArchiveObjWritter : public ICmmArchiveObjWritter {
   int WriteRawString(const char* name, const wchar_t* value) override;
   int WriteInt32Value(const char* name, int value) override;
 
-  ICmmArchiveObject* GetArchiveObject() const { return m_object; }
+  ICmmArchiveObject* GetArchiveObject() const;
 
  private:
   ICmmArchiveObject* m_object;

@@ -7,6 +7,22 @@ namespace Cmm::Archive {
 CCmmArchivePackageTree::CCmmArchivePackageTree() = default;
 CCmmArchivePackageTree::~CCmmArchivePackageTree() = default;
 
+const CStringT<wchar_t>& CCmmArchivePackageTree::GetName() const {
+  return m_name;
+}
+
+void CCmmArchivePackageTree::SetName(const CStringT<wchar_t>& name) {
+  m_name = name;
+}
+
+int CCmmArchivePackageTree::GetVersion() const {
+  return m_version;
+}
+
+void CCmmArchivePackageTree::SetVersion(int version) {
+  m_version = version;
+}
+
 CCmmArchiveTreeNode* CCmmArchivePackageTree::GetRoot() {
   if (!m_root) {
     m_root = std::make_unique<CCmmArchiveTreeNode>();

@@ -20,10 +20,10 @@ class CMM_EXPORT CCmmArchivePackageTree {
   CCmmArchivePackageTree& operator=(const CCmmArchivePackageTree&) = delete;
   virtual ~CCmmArchivePackageTree();
 
-  const CStringT<wchar_t>& GetName() const { return m_name; }
-  void SetName(const CStringT<wchar_t>& name) { m_name = name; }
-  int GetVersion() const { return m_version; }
-  void SetVersion(int version) { m_version = version; }
+  const CStringT<wchar_t>& GetName() const;
+  void SetName(const CStringT<wchar_t>& name);
+  int GetVersion() const;
+  void SetVersion(int version);
 
   // The root, which stays the package's. The first call makes it: a container without a name.
   CCmmArchiveTreeNode* GetRoot();

@@ -53,6 +53,14 @@ void AddItemNode(CCmmArchiveTreeNode& root, const char* field, CCmmArchiveVariva
 CCmmArchiveServiceImp::CCmmArchiveServiceImp() = default;
 CCmmArchiveServiceImp::~CCmmArchiveServiceImp() = default;
 
+const CCmmArchiveServiceImp::PackageList& CCmmArchiveServiceImp::GetPackageDefines() const {
+  return m_definitions;
+}
+
+const CCmmArchiveServiceImp::PackageList& CCmmArchiveServiceImp::GetDuplicatedPackages() const {
+  return m_duplicated;
+}
+
 // ---- Lookup -------------------------------------------------------------------------------------------
 
 CCmmArchiveServiceImp::Position CCmmArchiveServiceImp::FindPackageDefineWithoutLock(

@@ -68,8 +68,8 @@ class CMM_EXPORT CCmmArchiveServiceImp {
   ~CCmmArchiveServiceImp();  // leaves definitions and instances undestroyed: the process ends
 
   // Both lists, oldest first. Reading them needs that no other thread changes them.
-  const PackageList& GetPackageDefines() const { return m_definitions; }
-  const PackageList& GetDuplicatedPackages() const { return m_duplicated; }
+  const PackageList& GetPackageDefines() const;
+  const PackageList& GetDuplicatedPackages() const;
 
   // The oldest definition of exactly that name whose version is equal, or where either version is
   // kAnyPackageVersion. The end of the list when there is none.

@@ -105,6 +105,50 @@ ICmmArchiveObject* CCmmArchiveTreeNode::GetTrunkItem(const CCmmArchivePath& path
   return node && node->IsContainer() ? node : nullptr;
 }
 
+int CCmmArchiveTreeNode::IsContainer() const {
+  return m_isContainer;
+}
+
+void CCmmArchiveTreeNode::SetAsContainer(int isContainer) {
+  m_isContainer = isContainer;
+}
+
+int CCmmArchiveTreeNode::IsText() const {
+  return m_isText;
+}
+
+void CCmmArchiveTreeNode::SetAsText(int isText) {
+  m_isText = isText;
+}
+
+int CCmmArchiveTreeNode::IsEssential() const {
+  return m_isEssential;
+}
+
+void CCmmArchiveTreeNode::SetAsEssential(int isEssential) {
+  m_isEssential = isEssential;
+}
+
+int CCmmArchiveTreeNode::GetCountAttr() const {
+  return m_count;
+}
+
+void CCmmArchiveTreeNode::SetCountAttr(int count) {
+  m_count = count;
+}
+
+int CCmmArchiveTreeNode::IsSupportLoop() const {
+  return m_count == kAnyCount ? 1 : 0;
+}
+
+int CCmmArchiveTreeNode::IsParsed() const {
+  return m_isParsed;
+}
+
+CCmmArchiveVarivant& CCmmArchiveTreeNode::GetData() {
+  return m_data;
+}
+
 CCmmArchiveVarivant* CCmmArchiveTreeNode::FindLeaf(std::string_view name) {
   CCmmArchiveTreeNode* node = m_firstChild;
   while (node && !IsSameAsciiName(node->GetName(), name))

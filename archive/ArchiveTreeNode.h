@@ -51,17 +51,17 @@ class CMM_EXPORT CCmmArchiveTreeNode : public ICmmArchiveObject {
   CCmmArchiveTreeNode* Duplicate(int flag) const;
 
   // Properties
-  int IsContainer() const { return m_isContainer; }
-  void SetAsContainer(int isContainer) { m_isContainer = isContainer; }
-  int IsText() const { return m_isText; }
-  void SetAsText(int isText) { m_isText = isText; }
-  int IsEssential() const { return m_isEssential; }  // 1 in a new node
-  void SetAsEssential(int isEssential) { m_isEssential = isEssential; }
-  int GetCountAttr() const { return m_count; }  // how many elements a container takes; 1 in a new node
-  void SetCountAttr(int count) { m_count = count; }
-  int IsSupportLoop() const { return m_count == kAnyCount ? 1 : 0; }
-  int IsParsed() const { return m_isParsed; }  // whether input has been applied to this node
-  CCmmArchiveVarivant& GetData() { return m_data; }
+  int IsContainer() const;
+  void SetAsContainer(int isContainer);
+  int IsText() const;
+  void SetAsText(int isText);
+  int IsEssential() const;  // 1 in a new node
+  void SetAsEssential(int isEssential);
+  int GetCountAttr() const;  // how many elements a container takes; 1 in a new node
+  void SetCountAttr(int count);
+  int IsSupportLoop() const;
+  int IsParsed() const;  // whether input has been applied to this node
+  CCmmArchiveVarivant& GetData();
 
   // A leaf among the children by an ASCII name; the same as GetLeafItem with the path of that one name,
   // which must not be empty.

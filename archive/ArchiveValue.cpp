@@ -27,6 +27,8 @@ wchar_t* CopyText(const wchar_t* source) {
 
 }  // namespace
 
+CCmmArchiveVarivant::CCmmArchiveVarivant() = default;
+
 CCmmArchiveVarivant::CCmmArchiveVarivant(const CCmmArchiveVarivant& other) {
   Assign(other);
 }
@@ -38,6 +40,38 @@ CCmmArchiveVarivant& CCmmArchiveVarivant::operator=(const CCmmArchiveVarivant& o
 
 CCmmArchiveVarivant::~CCmmArchiveVarivant() {
   ClearData();
+}
+
+CCmmArchiveVarivant::ArchDataType CCmmArchiveVarivant::GetDataType() const {
+  return m_type;
+}
+
+int CCmmArchiveVarivant::GetInt32() const {
+  return static_cast<int>(GetUInt32());
+}
+
+unsigned CCmmArchiveVarivant::GetUInt32() const {
+  return static_cast<uint32_t>(Payload());
+}
+
+int CCmmArchiveVarivant::GetBool() const {
+  return GetInt32();
+}
+
+char CCmmArchiveVarivant::GetChar() const {
+  return static_cast<char>(Payload());
+}
+
+const wchar_t* CCmmArchiveVarivant::GetString() const {
+  return reinterpret_cast<const wchar_t*>(Payload());
+}
+
+int64_t CCmmArchiveVarivant::GetInt64() const {
+  return static_cast<int64_t>(Payload());
+}
+
+uint64_t CCmmArchiveVarivant::GetUInt64() const {
+  return Payload();
 }
 
 float CCmmArchiveVarivant::GetFloat() const {

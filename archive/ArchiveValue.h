@@ -41,26 +41,26 @@ class CMM_EXPORT CCmmArchiveVarivant {
     ArchDataType_UInt64 = 10,
   };
 
-  CCmmArchiveVarivant() = default;
+  CCmmArchiveVarivant();
   CCmmArchiveVarivant(const CCmmArchiveVarivant& other);
   // Does not give up what this value held: text that it owned is lost. The library assigns to fresh values
   // only. The pointer of an object is copied without a reference of its own.
   CCmmArchiveVarivant& operator=(const CCmmArchiveVarivant& other);
   ~CCmmArchiveVarivant();
 
-  ArchDataType GetDataType() const { return m_type; }
+  ArchDataType GetDataType() const;
 
   // The payload read as the getter's own type, WHATEVER the tag says; zero or null only under the empty
   // tag. Test the tag first: text read as a number is an address, a number read as text is a wild pointer.
-  int GetInt32() const { return static_cast<int>(static_cast<uint32_t>(Payload())); }
-  unsigned GetUInt32() const { return static_cast<uint32_t>(Payload()); }
-  int GetBool() const { return GetInt32(); }
-  char GetChar() const { return static_cast<char>(Payload()); }
-  const wchar_t* GetString() const { return reinterpret_cast<const wchar_t*>(Payload()); }
+  int GetInt32() const;
+  unsigned GetUInt32() const;
+  int GetBool() const;
+  char GetChar() const;
+  const wchar_t* GetString() const;
   float GetFloat() const;
   double GetDouble() const;
-  int64_t GetInt64() const { return static_cast<int64_t>(Payload()); }
-  uint64_t GetUInt64() const { return Payload(); }
+  int64_t GetInt64() const;
+  uint64_t GetUInt64() const;
   // The one getter that tests its tag: null unless the value holds an object. The reference stays here.
   ICmmRefableObject* GetObject() const;
 

@@ -25,6 +25,10 @@ int CmmMessageTemplate_0::ParseMsg(const CmmMQ_Msg* message) {
   return message ? 1 : 0;
 }
 
+int CmmMessageTemplate_0::GetMessageId() const {
+  return m_messageId;
+}
+
 int CmmMessageTemplate_0::WriteData(ICmmArchiveObjWritter* writter) {
   return writter ? 1 : 0;
 }

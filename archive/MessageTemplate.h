@@ -35,7 +35,7 @@ class CMM_EXPORT CmmMessageTemplate_0 {
   // definition leaves them as they were. Without fields the text is not looked at, and only null gives 0.
   virtual int ParseMsg(const CmmMQ_Msg* message);
 
-  int GetMessageId() const { return m_messageId; }
+  int GetMessageId() const;
 
  protected:
   // Every field in order, up to the first that fails; 0 then, and for null.
