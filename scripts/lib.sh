@@ -24,16 +24,22 @@ wine_environment() {
   unset DISPLAY WAYLAND_DISPLAY
 }
 
-# Keeps the prefix's server and desktop up for some minutes between programs. Programs start faster, and
-# above all they do not meet a desktop on its way down: Wine closes it, with every window that a new
-# program has just opened, when the last program before has ended.
+# Keeps the prefix's server, services and desktop up for some minutes between programs: the next program
+# starts in a fraction of the time. They are started with nothing of the caller's but /dev/null, because
+# whoever reads a program's output to its end would otherwise wait for them as well.
 keep_wine_desktop() {
   local keeper=$build_dir/wine/desktop.pid
-  kill -0 "$(cat "$keeper" 2>/dev/null)" 2>/dev/null && return 0
-  wineserver -p60 >/dev/null 2>&1 || true
-  setsid timeout 600 wine notepad </dev/null >/dev/null 2>&1 &
-  echo $! >"$keeper"
-  sleep 1 # until its window stands
+  exec 9>"$build_dir/wine/desktop.lock"
+  flock 9
+  if ! kill -0 "$(cat "$keeper" 2>/dev/null)" 2>/dev/null; then
+    {
+      wineserver -p60 || true
+      wine cmd /c exit || true # returns when the services are up
+      setsid timeout 600 wine notepad &
+      echo $! >"$keeper"
+    } </dev/null >/dev/null 2>&1 9>&-
+  fi
+  exec 9>&-
 }
 
 # configure_and_build PRESET [TARGET...]
