@@ -1,6 +1,7 @@
 #include "archive/ArchiveObjHelper.h"
 
 #include "archive/ArchiveService.h"
+#include "archive/ArchiveServiceImp.h"
 #include "archive/ArchiveText.h"
 
 namespace Cmm {
@@ -44,6 +45,10 @@ const CStringT<wchar_t>& CCmmArchiveObjHelper::GetPackageName() const {
 ICmmArchiveStream* CCmmArchiveObjHelper::Flattern() const {
   if (!m_writter) return nullptr;
   return CCmmArchiveService::Flattern(InstanceOf(m_writter), ICmmArchiveStream::StreamType_Xml);
+}
+
+bool CCmmArchiveObjHelper::Print(tinyxml2::XMLPrinter& printer) const {
+  return m_writter && Archive::CCmmArchiveServiceImp::GetImp()->Print(InstanceOf(m_writter), printer);
 }
 
 }  // namespace Cmm

@@ -6,6 +6,10 @@
 #include "common/client/utility/src/CmmDefine.h"
 #include "common/client/utility/src/CmmString.h"
 
+namespace tinyxml2 {
+class XMLPrinter;
+}
+
 namespace Cmm {
 
 // One instance for the length of a build or a parse, with its writer or its reader. Both pointers are null
@@ -26,6 +30,8 @@ class CMM_EXPORT CCmmArchiveObjHelper {
 
   // What has been written, as a stream that is the caller's. Null without a writer.
   ICmmArchiveStream* Flattern() const;
+  // Prints what that stream would hold, without a stream. False where Flattern gives null.
+  bool Print(tinyxml2::XMLPrinter& printer) const;
 
  private:
   ICmmArchiveObjWritter* m_writter = nullptr;

@@ -2,17 +2,19 @@
 
 #include <tinyxml2.h>
 
+#include "archive/ArchiveText.h"
+
 namespace Cmm::Archive {
 
 CCmmArchivePackageTree::CCmmArchivePackageTree() = default;
 CCmmArchivePackageTree::~CCmmArchivePackageTree() = default;
 
 const CStringT<wchar_t>& CCmmArchivePackageTree::GetName() const {
-  return m_name;
+  return m_name ? *m_name : EmptyName();
 }
 
 void CCmmArchivePackageTree::SetName(const CStringT<wchar_t>& name) {
-  m_name = name;
+  m_name = std::make_shared<const CStringT<wchar_t>>(name);
 }
 
 int CCmmArchivePackageTree::GetVersion() const {
@@ -25,17 +27,17 @@ void CCmmArchivePackageTree::SetVersion(int version) {
 
 CCmmArchiveTreeNode* CCmmArchivePackageTree::GetRoot() {
   if (!m_root) {
-    m_root = std::make_unique<CCmmArchiveTreeNode>();
+    m_root.reset(new CCmmArchiveTreeNode);
     m_root->SetAsContainer(1);
   }
   return m_root.get();
 }
 
-CCmmArchivePackageTree* CCmmArchivePackageTree::DuplicateTree(int flag) const {
+CCmmArchivePackageTree* CCmmArchivePackageTree::DuplicateTree(int) const {
   auto copy = std::make_unique<CCmmArchivePackageTree>();
   copy->m_name = m_name;
   copy->m_version = m_version;
-  if (m_root) copy->m_root.reset(m_root->Duplicate(flag));
+  if (m_root) copy->m_root = m_root->DuplicateInBlock(copy->m_block);
   return copy.release();
 }
 
@@ -43,8 +45,14 @@ ICmmArchiveStream* CCmmArchivePackageTree::Flattern(ICmmArchiveStream::StreamTyp
   if (type != ICmmArchiveStream::StreamType_Xml || !m_root) return nullptr;
   tinyxml2::XMLElement* element = m_root->ToXmlElement(nullptr);
   if (!element) return nullptr;
-  element->SetAttribute("version", m_version);
+  element->SetAttribute(CCmmArchiveTreeNode::kVersionAttribute, m_version);
   return new CCmmArchiveXmlStream(element, 1);
+}
+
+bool CCmmArchivePackageTree::Print(tinyxml2::XMLPrinter& printer) {
+  if (!m_root || !m_root->IsContainer()) return false;
+  m_root->PrintPackage(printer, m_version);
+  return true;
 }
 
 int CCmmArchivePackageTree::ReadFromStream(ICmmArchiveStream* stream, ICmmArchiveStream::StreamType type) {

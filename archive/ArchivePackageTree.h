@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "archive/ArchiveStream.h"
@@ -34,14 +35,19 @@ class CMM_EXPORT CCmmArchivePackageTree {
   // any type but XML, and when there is no root.
   ICmmArchiveStream* Flattern(ICmmArchiveStream::StreamType type);
 
+  // Prints what the stream of Flattern would hold, without a stream. False, and nothing printed, where
+  // Flattern gives null.
+  bool Print(tinyxml2::XMLPrinter& printer);
+
   // Fills the tree from the element of `stream`, whatever its name and version. 1 is success; -1 failure,
   // for a stream without an element and for the byte form among them; 0 a type that is neither.
   int ReadFromStream(ICmmArchiveStream* stream, ICmmArchiveStream::StreamType type);
 
  private:
-  CStringT<wchar_t> m_name;
+  std::shared_ptr<const CStringT<wchar_t>> m_name;  // shared with the copies; null is the empty name
   int m_version = kAnyPackageVersion;
-  std::unique_ptr<CCmmArchiveTreeNode> m_root;
+  std::unique_ptr<std::byte[]> m_block;  // of a copy: holds its nodes, so it goes after them
+  CCmmArchiveTreeNode::Owner m_root;
 };
 
 }  // namespace Cmm::Archive

@@ -135,11 +135,17 @@ ICmmArchiveStream* CCmmArchiveServiceImp::Flattern(ICmmArchiveObject* object,
   return instance == m_duplicated.end() ? nullptr : (*instance)->Flattern(type);
 }
 
+bool CCmmArchiveServiceImp::Print(ICmmArchiveObject* object, tinyxml2::XMLPrinter& printer) {
+  const Guard guard(m_duplicatedLock);
+  const Position instance = FindDuplicatedPackageWithoutLock(object);
+  return instance != m_duplicated.end() && (*instance)->Print(printer);
+}
+
 ICmmArchiveObject* CCmmArchiveServiceImp::ParsePackageFromXmlDoc(tinyxml2::XMLDocument& document) {
   tinyxml2::XMLElement* element = document.FirstChildElement();
   if (!element) return nullptr;
   int version = kAnyPackageVersion;
-  element->QueryIntAttribute("version", &version);
+  element->QueryIntAttribute(CCmmArchiveTreeNode::kVersionAttribute, &version);
   std::unique_ptr<CCmmArchivePackageTree> package = DuplicateDefine(WideFromUtf8(element->Name()), version);
   if (!package || !package->GetRoot()->LoadChildrenFromXml(element)) return nullptr;
   return AddInstance(std::move(package));

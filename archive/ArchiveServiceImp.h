@@ -86,6 +86,9 @@ class CMM_EXPORT CCmmArchiveServiceImp {
   // The stream of an instance, the caller's. Null when `object` is none, and for any type but XML.
   ICmmArchiveStream* Flattern(ICmmArchiveObject* object, ICmmArchiveStream::StreamType type);
 
+  // Prints what that stream would hold, without a stream. False when `object` is no instance.
+  bool Print(ICmmArchiveObject* object, tinyxml2::XMLPrinter& printer);
+
   // A new instance filled from the first element of `document`, which names the definition. Null when there
   // is no such definition or the element does not match it; then no instance is left.
   ICmmArchiveObject* ParsePackageFromXmlDoc(tinyxml2::XMLDocument& document);

@@ -1,5 +1,7 @@
 #include "archive/ArchiveTreeNode.h"
 
+#include <new>
+
 #include "archive/ArchivePath.h"
 #include "archive/ArchiveText.h"
 
@@ -21,7 +23,7 @@ CCmmArchiveTreeNode::CCmmArchiveTreeNode() = default;
 CCmmArchiveTreeNode::~CCmmArchiveTreeNode() {
   for (CCmmArchiveTreeNode* child = m_firstChild; child;) {
     CCmmArchiveTreeNode* next = child->m_nextSibling;
-    delete child;
+    Destroy(child);
     child = next;
   }
 }
@@ -40,7 +42,7 @@ void CCmmArchiveTreeNode::SetName(const CStringT<wchar_t>& name) {
 int CCmmArchiveTreeNode::AppendChild(CCmmArchiveTreeNode* child) {
   if (!child) return 0;
   if (!m_isContainer) {
-    delete child;
+    Destroy(child);
     return 0;
   }
   if (!m_firstChild) {
@@ -52,8 +54,17 @@ int CCmmArchiveTreeNode::AppendChild(CCmmArchiveTreeNode* child) {
   return 1;
 }
 
-CCmmArchiveTreeNode* CCmmArchiveTreeNode::Duplicate(int flag) const {
-  auto copy = std::make_unique<CCmmArchiveTreeNode>();
+void CCmmArchiveTreeNode::Destroy(CCmmArchiveTreeNode* node) {
+  if (node->m_isInBlock) {
+    node->~CCmmArchiveTreeNode();
+  } else {
+    delete node;
+  }
+}
+
+template <typename NewNode>
+CCmmArchiveTreeNode::Owner CCmmArchiveTreeNode::CopyTree(NewNode& newNode) const {
+  Owner copy(newNode());
   copy->m_name = m_name;
   copy->m_isContainer = m_isContainer;
   copy->m_isText = m_isText;
@@ -61,8 +72,32 @@ CCmmArchiveTreeNode* CCmmArchiveTreeNode::Duplicate(int flag) const {
   copy->m_count = m_count;
   copy->m_data = m_data;
   for (const CCmmArchiveTreeNode* child = m_firstChild; child; child = child->m_nextSibling)
-    copy->AppendChild(child->Duplicate(flag));
-  return copy.release();
+    copy->AppendChild(child->CopyTree(newNode).release());
+  return copy;
+}
+
+CCmmArchiveTreeNode* CCmmArchiveTreeNode::Duplicate(int) const {
+  const auto newNode = [] { return new CCmmArchiveTreeNode; };
+  return CopyTree(newNode).release();
+}
+
+CCmmArchiveTreeNode::Owner CCmmArchiveTreeNode::DuplicateInBlock(std::unique_ptr<std::byte[]>& block) const {
+  block.reset(new std::byte[CountNodes() * sizeof(CCmmArchiveTreeNode)]);
+  std::byte* place = block.get();
+  const auto newNode = [&place] {
+    auto* node = new (place) CCmmArchiveTreeNode;
+    place += sizeof(CCmmArchiveTreeNode);
+    node->m_isInBlock = true;
+    return node;
+  };
+  return CopyTree(newNode);
+}
+
+size_t CCmmArchiveTreeNode::CountNodes() const {
+  size_t count = 1;
+  for (const CCmmArchiveTreeNode* child = m_firstChild; child; child = child->m_nextSibling)
+    count += child->CountNodes();
+  return count;
 }
 
 ICmmArchiveObject* CCmmArchiveTreeNode::DuplicateNode(ICmmArchiveObject* newParent) {

@@ -4,6 +4,7 @@
 // as one. A tree is a definition, which says what a message holds, or an instance, duplicated from one,
 // which holds a message's values.
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -15,6 +16,7 @@
 namespace tinyxml2 {
 class XMLDocument;
 class XMLElement;
+class XMLPrinter;
 }  // namespace tinyxml2
 
 namespace Cmm::Archive {
@@ -28,6 +30,7 @@ namespace Cmm::Archive {
 // Not locked: an instance belongs to one thread at a time, a definition is only read.
 class CMM_EXPORT CCmmArchiveTreeNode : public ICmmArchiveObject {
  public:
+  static constexpr const char* kVersionAttribute = "version";  // of a package's element
   static constexpr int kAnyCount = -1;  // a container that takes any number of elements
 
   CCmmArchiveTreeNode();
@@ -49,6 +52,14 @@ class CMM_EXPORT CCmmArchiveTreeNode : public ICmmArchiveObject {
   int AppendChild(CCmmArchiveTreeNode* child);
   // A copy of this node and what is below it, without the is-parsed marks; the caller's. `flag` is ignored.
   CCmmArchiveTreeNode* Duplicate(int flag) const;
+
+  // The same with all nodes in one block of memory, for a package, which holds the block longer than the
+  // tree. Nodes that are appended later are not in the block.
+  struct Destroyer {
+    void operator()(CCmmArchiveTreeNode* node) const { Destroy(node); }
+  };
+  using Owner = std::unique_ptr<CCmmArchiveTreeNode, Destroyer>;
+  Owner DuplicateInBlock(std::unique_ptr<std::byte[]>& block) const;
 
   // Properties
   int IsContainer() const;
@@ -79,6 +90,10 @@ class CMM_EXPORT CCmmArchiveTreeNode : public ICmmArchiveObject {
   // other nodes. With a null `document` a new one is made, which is to be destroyed with the element.
   tinyxml2::XMLElement* ToXmlElement(tinyxml2::XMLDocument* document);
 
+  // Prints this container as the root of a package: what printing its element gives, with the package's
+  // version as the element's last attribute. No element is made where none is needed.
+  void PrintPackage(tinyxml2::XMLPrinter& printer, int version);
+
  protected:
   CCmmArchiveTreeNode* GetNode(const CCmmArchivePath& path);
   int ParseAsAttributeNode(tinyxml2::XMLElement* element);
@@ -94,10 +109,18 @@ class CMM_EXPORT CCmmArchiveTreeNode : public ICmmArchiveObject {
     CStringT<char> utf8;
   };
 
+  static void Destroy(CCmmArchiveTreeNode* node);
+  template <typename NewNode>
+  Owner CopyTree(NewNode& newNode) const;
+  size_t CountNodes() const;
   static CCmmArchiveTreeNode* FindFrom(CCmmArchiveTreeNode* node, const CStringT<wchar_t>& name);
   const char* Utf8Name() const { return m_name ? m_name->utf8.c_str() : ""; }
   int AppendFilledCopy(tinyxml2::XMLElement* element, CCmmArchiveTreeNode* parent) const;
   bool ReadValue(const char* text);
+  // Whether no two attributes have one name, nor one has `reserved`: then no element is needed to find out
+  // what the later one replaces.
+  bool CanPrintDirectly(std::string_view reserved) const;
+  void PrintTo(tinyxml2::XMLPrinter& printer, const int* version) const;
 
   CCmmArchiveTreeNode* m_firstChild = nullptr;   // owned
   CCmmArchiveTreeNode* m_nextSibling = nullptr;  // owned by the parent's list
@@ -108,6 +131,7 @@ class CMM_EXPORT CCmmArchiveTreeNode : public ICmmArchiveObject {
   int m_count = 1;
   CCmmArchiveVarivant m_data;
   int m_isParsed = 0;
+  bool m_isInBlock = false;
   CCmmArchiveTreeNode* m_lastChild = nullptr;  // where the next child is appended
 };
 

@@ -2,10 +2,14 @@
 
 #include <tinyxml2.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <cwchar>
-#include <limits>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
 
 #include "archive/ArchiveText.h"
 #include "archive/ArchiveTreeNode.h"
@@ -17,11 +21,78 @@ namespace {
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 
+constexpr size_t kMaxDirectAttributes = 32;  // of one element; beyond it, looking for twins costs too much
+
+// The same as the attribute's own query. Plain decimal numbers, which is what peers send, do not go through
+// the C library's scanner.
 template <typename Integer>
-void SetDecimal(XMLElement& element, const char* name, Integer value) {
-  char text[std::numeric_limits<Integer>::digits10 + 3];  // all digits, a sign, the terminator
-  *std::to_chars(text, text + sizeof(text) - 1, value).ptr = '\0';
-  element.SetAttribute(name, text);
+bool QueryInteger(const tinyxml2::XMLAttribute* attribute, Integer& value) {
+  if (!attribute) return false;
+  const std::string_view text = attribute->Value();
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error == std::errc() && end == text.data() + text.size()) return true;
+  if constexpr (std::is_signed_v<Integer>) {
+    return attribute->QueryIntValue(&value) == tinyxml2::XML_SUCCESS;
+  } else {
+    return attribute->QueryUnsignedValue(&value) == tinyxml2::XML_SUCCESS;
+  }
+}
+
+// The text of the attribute that a leaf prints, for the length of a call.
+class LeafText {
+ public:
+  explicit LeafText(const CCmmArchiveVarivant& data);
+
+  const char* c_str() const { return m_text; }  // null when the leaf prints none
+
+ private:
+  template <typename Number>
+  void SetDecimal(Number value) {
+    *std::to_chars(m_number, m_number + sizeof(m_number) - 1, value).ptr = '\0';
+    m_text = m_number;
+  }
+  template <typename Number>
+  void SetReal(Number value) {
+    tinyxml2::XMLUtil::ToStr(value, m_number, sizeof(m_number));
+    m_text = m_number;
+  }
+
+  const char* m_text = nullptr;
+  char m_number[40];
+  std::optional<Utf8Text> m_utf8;
+};
+
+LeafText::LeafText(const CCmmArchiveVarivant& data) {
+  switch (data.GetDataType()) {
+    case CCmmArchiveVarivant::ArchDataType_Int32:
+    case CCmmArchiveVarivant::ArchDataType_Bool:
+      SetDecimal(data.GetInt32());
+      break;
+    case CCmmArchiveVarivant::ArchDataType_Char:
+      SetDecimal(int{data.GetChar()});
+      break;
+    case CCmmArchiveVarivant::ArchDataType_UInt32:
+      SetDecimal(data.GetUInt32());
+      break;
+    case CCmmArchiveVarivant::ArchDataType_Int64:
+      SetDecimal(data.GetInt64());
+      break;
+    case CCmmArchiveVarivant::ArchDataType_UInt64:
+      SetDecimal(data.GetUInt64());
+      break;
+    case CCmmArchiveVarivant::ArchDataType_Float:
+      SetReal(data.GetFloat());
+      break;
+    case CCmmArchiveVarivant::ArchDataType_Double:
+      SetReal(data.GetDouble());
+      break;
+    case CCmmArchiveVarivant::ArchDataType_String:
+      if (const wchar_t* text = data.GetString()) m_text = m_utf8.emplace(text, std::wcslen(text)).c_str();
+      break;
+    case CCmmArchiveVarivant::ArchDataType_Empty:
+    case CCmmArchiveVarivant::ArchDataType_Object:
+      break;
+  }
 }
 
 }  // namespace
@@ -54,19 +125,19 @@ int CCmmArchiveTreeNode::ParseAsAttributeNode(XMLElement* element) {
   bool isRead = false;
   switch (m_data.GetDataType()) {
     case CCmmArchiveVarivant::ArchDataType_Int32:
-      if (int value = 0; attribute && attribute->QueryIntValue(&value) == tinyxml2::XML_SUCCESS) {
+      if (int value = 0; QueryInteger(attribute, value)) {
         m_data.SetInt32(value);
         isRead = true;
       }
       break;
     case CCmmArchiveVarivant::ArchDataType_UInt32:
-      if (unsigned value = 0; attribute && attribute->QueryUnsignedValue(&value) == tinyxml2::XML_SUCCESS) {
+      if (unsigned value = 0; QueryInteger(attribute, value)) {
         m_data.SetUInt32(value);
         isRead = true;
       }
       break;
     case CCmmArchiveVarivant::ArchDataType_Bool:
-      if (int value = 0; attribute && attribute->QueryIntValue(&value) == tinyxml2::XML_SUCCESS) {
+      if (int value = 0; QueryInteger(attribute, value)) {
         m_data.SetBool(value != 0 ? 1 : 0);
         isRead = true;
       }
@@ -162,42 +233,50 @@ XMLElement* CCmmArchiveTreeNode::ToXmlElement(XMLDocument* document) {
 
 int CCmmArchiveTreeNode::AppendAttributeNode(XMLElement* element, CCmmArchiveTreeNode* child) {
   if (!element || !child || child->IsText() || child->IsContainer()) return 0;
-  const char* name = child->Utf8Name();
-  const CCmmArchiveVarivant& data = child->m_data;
-  switch (data.GetDataType()) {
-    case CCmmArchiveVarivant::ArchDataType_Int32:
-    case CCmmArchiveVarivant::ArchDataType_Bool:
-      SetDecimal(*element, name, data.GetInt32());
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_Char:
-      SetDecimal(*element, name, int{data.GetChar()});
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_UInt32:
-      SetDecimal(*element, name, data.GetUInt32());
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_String:
-      if (const wchar_t* text = data.GetString()) {
-        element->SetAttribute(name, Utf8Text(text, std::wcslen(text)).c_str());
-        return 1;
-      }
-      return child->IsEssential() ? 0 : 1;
-    case CCmmArchiveVarivant::ArchDataType_Float:
-      element->SetAttribute(name, data.GetFloat());
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_Double:
-      element->SetAttribute(name, data.GetDouble());
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_Int64:
-      SetDecimal(*element, name, data.GetInt64());
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_UInt64:
-      SetDecimal(*element, name, data.GetUInt64());
-      return 1;
-    case CCmmArchiveVarivant::ArchDataType_Empty:
-    case CCmmArchiveVarivant::ArchDataType_Object:
-      return 0;
+  if (const LeafText text(child->m_data); text.c_str()) {
+    element->SetAttribute(child->Utf8Name(), text.c_str());
+    return 1;
   }
-  return 0;
+  return child->m_data.GetDataType() == CCmmArchiveVarivant::ArchDataType_String && !child->IsEssential();
+}
+
+bool CCmmArchiveTreeNode::CanPrintDirectly(std::string_view reserved) const {
+  std::string_view names[kMaxDirectAttributes];
+  size_t count = 0;
+  names[count++] = reserved;
+  for (const CCmmArchiveTreeNode* child = m_firstChild; child; child = child->m_nextSibling) {
+    if (child->IsContainer()) {
+      if (!child->CanPrintDirectly({})) return false;
+    } else if (!child->IsText()) {
+      const std::string_view name = child->Utf8Name();
+      if (count == kMaxDirectAttributes || std::find(names, names + count, name) != names + count)
+        return false;
+      names[count++] = name;
+    }
+  }
+  return true;
+}
+
+void CCmmArchiveTreeNode::PrintTo(tinyxml2::XMLPrinter& printer, const int* version) const {
+  printer.OpenElement(Utf8Name());
+  for (const CCmmArchiveTreeNode* child = m_firstChild; child; child = child->m_nextSibling) {
+    if (child->IsContainer() || child->IsText()) continue;
+    if (const LeafText text(child->m_data); text.c_str())
+      printer.PushAttribute(child->Utf8Name(), text.c_str());
+  }
+  if (version) printer.PushAttribute(kVersionAttribute, *version);
+  for (const CCmmArchiveTreeNode* child = m_firstChild; child; child = child->m_nextSibling) {
+    if (child->IsContainer()) child->PrintTo(printer, nullptr);
+  }
+  printer.CloseElement();
+}
+
+void CCmmArchiveTreeNode::PrintPackage(tinyxml2::XMLPrinter& printer, int version) {
+  if (CanPrintDirectly(kVersionAttribute)) return PrintTo(printer, &version);
+  XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
+  XMLElement* element = ToXmlElement(&document);
+  element->SetAttribute(kVersionAttribute, version);
+  element->Accept(&printer);
 }
 
 }  // namespace Cmm::Archive

@@ -1,13 +1,15 @@
 #include "archive/MessageHelper.h"
 
-#include <memory>
+#include <tinyxml2.h>
 
 namespace Cmm::CCmmMessageHelper {
 
+// The same as FlatternStreamToMsg on the stream of Flattern, without the element and the stream.
 CmmMQ_Msg* FlatternToMsg(CCmmArchiveObjHelper* helper, int messageId) {
-  if (!helper) return nullptr;
-  const std::unique_ptr<ICmmArchiveStream> stream(helper->Flattern());
-  return FlatternStreamToMsg(stream.get(), messageId);
+  tinyxml2::XMLPrinter printer;
+  if (!helper || !helper->Print(printer)) return nullptr;
+  return CmmMQ_Msg::MakeMessage(reinterpret_cast<const unsigned char*>(printer.CStr()),
+                                static_cast<unsigned>(printer.CStrSize() - 1), messageId);
 }
 
 CmmMQ_Msg* FlatternStreamToMsg(ICmmArchiveStream* stream, int messageId) {

@@ -298,6 +298,7 @@ TEST_F(ArchiveObjHelper, AHelperOutlivesTheClearingOfTheService) {
   CCmmArchiveObjHelper helper("com.test");
   CCmmArchiveService::ClearAllPackageDefines();
   EXPECT_THAT(helper.Flattern(), IsNull());
+  EXPECT_THAT(MessageHelper::FlatternToMsg(&helper, 1), IsNull());
 }
 
 TEST_F(ArchiveObjHelper, FreeWritersAndReadersComeWithPartnersThatFreeTheirInstances) {
@@ -327,6 +328,18 @@ TEST_F(ArchiveObjHelper, FlatternToMsgGivesAMessageWithTheText) {
   ASSERT_THAT(message, NotNull());
   EXPECT_EQ(message->GetMsgType(), 77);
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(message->GetData()), message->GetLen()), kText);
+}
+
+TEST_F(ArchiveObjHelper, FlatternToMsgHasTheBytesOfTheStream) {
+  CCmmArchiveObjHelper helper("com.test");
+  for (const wchar_t* text : {static_cast<const wchar_t*>(nullptr), L"", L"<\"&'>\u00E9\n\t"}) {
+    helper.GetWritterObj()->WriteRawString("s", text);
+    const std::unique_ptr<Cmm::ICmmArchiveStream> stream(helper.Flattern());
+    const std::unique_ptr<CmmMQ_Msg> direct(MessageHelper::FlatternToMsg(&helper, 1));
+    const std::unique_ptr<CmmMQ_Msg> streamed(MessageHelper::FlatternStreamToMsg(stream.get(), 1));
+    ASSERT_EQ(direct->GetLen(), streamed->GetLen());
+    EXPECT_EQ(std::memcmp(direct->GetData(), streamed->GetData(), direct->GetLen()), 0);
+  }
 }
 
 TEST_F(ArchiveObjHelper, FlatternToMsgWithoutAWriterGivesNull) {

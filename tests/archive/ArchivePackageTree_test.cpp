@@ -1,5 +1,9 @@
 #include "archive/ArchivePackageTree.h"
 
+#include <functional>
+#include <random>
+#include <vector>
+
 #include "tests/archive/ArchiveTesting.h"
 
 #include "gmock/gmock.h"
@@ -82,6 +86,95 @@ TEST_F(ArchivePackageTree, AFieldThatIsNamedVersionGivesUpItsValueToThePackages)
   package.GetRoot()->AppendChild(Leaf(L"version", CCmmArchiveVarivant::ArchDataType_Int32));
   package.GetRoot()->AppendChild(Leaf(L"c", CCmmArchiveVarivant::ArchDataType_Int32));
   EXPECT_EQ(Text(package), "<com.test a=\"0\" b=\"0\" version=\"3\" c=\"0\"/>\n");
+}
+
+// What printing without a stream gives; "(null)" when it fails.
+std::string PrintedText(CCmmArchivePackageTree& package) {
+  tinyxml2::XMLPrinter printer;
+  return package.Print(printer) ? std::string(printer.CStr(), static_cast<size_t>(printer.CStrSize() - 1))
+                                : "(null)";
+}
+
+TEST_F(ArchivePackageTree, PrintingWithoutAStreamGivesTheSameText) {
+  EXPECT_EQ(PrintedText(package), Text(package));
+  package.GetRoot()->AppendChild(
+      Container(L"in", Leaf(L"a", CCmmArchiveVarivant::ArchDataType_Int32), Container(L"deep")));
+  package.GetRoot()->AppendChild(Leaf(L"s", CCmmArchiveVarivant::ArchDataType_String));
+  package.GetRoot()->AppendChild(TextNode(L"t"));
+  package.GetRoot()->AppendChild(Leaf(L"e", CCmmArchiveVarivant::ArchDataType_Empty));
+  package.GetRoot()->AppendChild(Container(L"in"));
+  EXPECT_EQ(PrintedText(package), Text(package));
+}
+
+TEST_F(ArchivePackageTree, PrintingWithoutAStreamReplacesTheValueOfATwinToo) {
+  package.GetRoot()->AppendChild(Leaf(L"a", CCmmArchiveVarivant::ArchDataType_String));
+  First(package.GetRoot())->GetData().SetInt32(7);
+  EXPECT_EQ(PrintedText(package), Text(package));
+  Next(Next(First(package.GetRoot())))->GetData().SetString(L"x");
+  EXPECT_EQ(PrintedText(package), "<com.test a=\"x\" b=\"0\" version=\"3\"/>\n");
+  EXPECT_EQ(PrintedText(package), Text(package));
+}
+
+TEST_F(ArchivePackageTree, PrintingWithoutAStreamReplacesAFieldThatIsNamedVersionToo) {
+  package.GetRoot()->AppendChild(Leaf(L"version", CCmmArchiveVarivant::ArchDataType_String));
+  EXPECT_EQ(PrintedText(package), Text(package));
+  Next(Next(First(package.GetRoot())))->GetData().SetString(L"x");
+  package.GetRoot()->AppendChild(Leaf(L"c", CCmmArchiveVarivant::ArchDataType_Int32));
+  EXPECT_EQ(PrintedText(package), "<com.test a=\"0\" b=\"0\" version=\"3\" c=\"0\"/>\n");
+  EXPECT_EQ(PrintedText(package), Text(package));
+}
+
+TEST_F(ArchivePackageTree, AFieldThatIsNamedVersionBelowTheRootKeepsItsValue) {
+  package.GetRoot()->AppendChild(Container(L"in", Leaf(L"version", CCmmArchiveVarivant::ArchDataType_Int32)));
+  EXPECT_EQ(PrintedText(package),
+            "<com.test a=\"0\" b=\"0\" version=\"3\">\n    <in version=\"0\"/>\n</com.test>\n");
+  EXPECT_EQ(PrintedText(package), Text(package));
+}
+
+TEST_F(ArchivePackageTree, TreesOfAnyShapePrintTheSameBothWays) {
+  std::mt19937 random(20240102);
+  const std::vector<std::wstring> names{L"a", L"b", L"c", L"version", L"\u00E9", L""};
+  const std::function<void(CCmmArchiveTreeNode&, int)> fill = [&](CCmmArchiveTreeNode& parent, int depth) {
+    for (unsigned i = random() % 5; i > 0; --i) {
+      const wchar_t* name = names[random() % names.size()].c_str();
+      if (depth > 0 && random() % 3 == 0) {
+        CCmmArchiveTreeNode* child = Container(name);
+        fill(*child, depth - 1);
+        parent.AppendChild(child);
+      } else {
+        const Type type = static_cast<Type>(random() % 11);
+        CCmmArchiveTreeNode* child = Leaf(name, type);
+        if (type == CCmmArchiveVarivant::ArchDataType_String && random() % 2)
+          child->GetData().SetString(L"<'&\n\u00E9");
+        if (type == CCmmArchiveVarivant::ArchDataType_Float)
+          child->GetData().SetFloat(static_cast<float>(random()));
+        if (type == CCmmArchiveVarivant::ArchDataType_Double) child->GetData().SetDouble(1.0 / random());
+        child->SetAsText(random() % 8 == 0);
+        parent.AppendChild(child);
+      }
+    }
+  };
+  for (int round = 0; round < 500; ++round) {
+    CCmmArchivePackageTree tree;
+    tree.GetRoot()->SetName(L"root");
+    fill(*tree.GetRoot(), 3);
+    ASSERT_EQ(PrintedText(tree), Text(tree)) << round;
+  }
+}
+
+TEST_F(ArchivePackageTree, ManyAttributesPrintTheSameBothWays) {
+  for (int count = 0; count < 40; ++count) {
+    const std::wstring name = L"n" + std::to_wstring(count);
+    package.GetRoot()->AppendChild(Leaf(name.c_str(), CCmmArchiveVarivant::ArchDataType_Int32));
+    EXPECT_EQ(PrintedText(package), Text(package));
+  }
+}
+
+TEST_F(ArchivePackageTree, WhatHasNoStreamPrintsNothing) {
+  CCmmArchivePackageTree empty;
+  EXPECT_EQ(PrintedText(empty), "(null)");
+  package.GetRoot()->SetAsContainer(0);
+  EXPECT_EQ(PrintedText(package), "(null)");
 }
 
 TEST_F(ArchivePackageTree, FlatternOfAnyOtherTypeGivesNull) {

@@ -64,6 +64,50 @@ TEST(ArchiveTreeNodeInput, UnsignedIntegersAreRead) {
   EXPECT_EQ(leaf->GetUInt32(), 4294967295u);
 }
 
+TEST(ArchiveTreeNodeInput, IntegersReadAsTheXmlLibraryReadsThem) {
+  for (const char* text : {"0",
+                           "7",
+                           "-7",
+                           "+7",
+                           "007",
+                           "-0",
+                           " 7",
+                           "7 ",
+                           "7x",
+                           "x7",
+                           "-",
+                           "+",
+                           "",
+                           " ",
+                           "0x10",
+                           "0X1f",
+                           "0xg",
+                           "1e3",
+                           "1.9",
+                           "2147483647",
+                           "2147483648",
+                           "-2147483648",
+                           "-2147483649",
+                           "4294967295",
+                           "4294967296",
+                           "-1",
+                           "99999999999999999999",
+                           "\xEF\xBC\x97"}) {
+    Element element(std::string("<r v='") + text + "'/>");
+    const tinyxml2::XMLAttribute* attribute = static_cast<tinyxml2::XMLElement*>(element)->FindAttribute("v");
+    int number = 0;
+    const int isNumber = attribute->QueryIntValue(&number) == tinyxml2::XML_SUCCESS;
+    LoadedLeaf leaf(kInt32, text);
+    EXPECT_EQ(leaf.result, isNumber) << text;
+    EXPECT_EQ(leaf->GetInt32(), isNumber ? number : 0) << text;
+    unsigned unsignedNumber = 0;
+    const int isUnsigned = attribute->QueryUnsignedValue(&unsignedNumber) == tinyxml2::XML_SUCCESS;
+    LoadedLeaf unsignedLeaf(kUInt32, text);
+    EXPECT_EQ(unsignedLeaf.result, isUnsigned) << text;
+    EXPECT_EQ(unsignedLeaf->GetUInt32(), isUnsigned ? unsignedNumber : 0) << text;
+  }
+}
+
 TEST(ArchiveTreeNodeInput, BooleansReadAsOneForEveryIntegerButZero) {
   for (const char* text : {"7", "1", "-1", "2147483647"}) {
     LoadedLeaf leaf(kBool, text);
