@@ -1,0 +1,23 @@
+// The objects that the process has one of, built by one static initialiser when the library is loaded, in
+// the order of the members, and ended in the reverse order when it is unloaded.
+
+#include "archive/ArchiveServiceImp.h"
+
+namespace Cmm {
+namespace {
+
+struct ProcessObjects {
+  Archive::CCmmArchiveServiceImp archiveService;  // first: every message class registers with it
+};
+
+// Before every static object of default priority, for these may be messages.
+constexpr int kBeforeMessages = 101;
+__attribute__((init_priority(kBeforeMessages))) ProcessObjects processObjects;
+
+}  // namespace
+
+Archive::CCmmArchiveServiceImp* Archive::CCmmArchiveServiceImp::GetImp() {
+  return &processObjects.archiveService;
+}
+
+}  // namespace Cmm
