@@ -69,10 +69,13 @@ def _definitions(message):
     count = len(message.fields)
     wire_name = layout.quoted(message.wire_name)
     fields = [layout.quoted(field.name) for field in message.fields]
-    base = layout.bracketed(f"    : CmmMessageTemplate_{count}(", [wire_name, str(message.id)] + fields, ") {")
+    base = [wire_name, str(message.id)] + fields
+    head = f"{name}::{name}() : CmmMessageTemplate_{count}({', '.join(base)}) {{"
+    if len(head) > layout.WIDTH:
+        head = layout.qualified(name, f"{name}()") + "\n"
+        head += layout.bracketed(f"    : CmmMessageTemplate_{count}(", base, ") {")
     constructor = f"""\
-{layout.qualified(name, f"{name}()")}
-{base}
+{head}
   static std::atomic<int> s_firsttime{{1}};
   if (TakeFirstTime(s_firsttime))
 {_registration(message, [wire_name] + fields)}
