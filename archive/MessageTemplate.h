@@ -11,14 +11,6 @@
 #include "common/client/utility/src/CmmString.h"
 #include "common/client/utility/src/ipc/CmmMQMsg.h"
 
-// Marks the members that have their body here: the compiler leaves inline members out of an exported
-// instantiation, although a caller that does not inline them looks for them in the DLL.
-#if defined(VELMSDK_BUILD)
-#define CMM_EXPORT_INLINE CMM_EXPORT
-#else
-#define CMM_EXPORT_INLINE
-#endif
-
 namespace Cmm::Archive {
 
 // A message without fields. Not locked: an object is used on one thread.
@@ -204,5 +196,3 @@ CMM_MESSAGE_TEMPLATE(15, 14)
 #undef CMM_LIST_1
 
 }  // namespace Cmm::Archive
-
-#undef CMM_EXPORT_INLINE

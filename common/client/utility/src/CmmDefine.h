@@ -9,3 +9,12 @@
 #else
 #define CMM_EXPORT __declspec(dllimport)
 #endif
+
+// Marks members of an exported class template that have their body in the class: the compiler leaves inline
+// members out of an exported instantiation, although a caller that does not inline them looks for them in
+// the DLL.
+#if defined(VELMSDK_BUILD)
+#define CMM_EXPORT_INLINE CMM_EXPORT
+#else
+#define CMM_EXPORT_INLINE
+#endif

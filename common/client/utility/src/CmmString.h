@@ -23,14 +23,6 @@
 #include "common/client/utility/src/CmmDefine.h"
 #include "common/client/utility/src/CmmRange.h"
 
-// Marks the members that have their body here: the compiler leaves inline members out of an exported
-// instantiation, although a caller that does not inline them looks for them in the DLL.
-#if defined(VELMSDK_BUILD)
-#define CMM_EXPORT_INLINE CMM_EXPORT
-#else
-#define CMM_EXPORT_INLINE
-#endif
-
 struct HINSTANCE__;
 struct tagVARIANT;
 typedef struct tagVARIANT VARIANT;
@@ -418,5 +410,3 @@ static_assert(sizeof(CStringA) == sizeof(void*) + sizeof(std::string));
 static_assert(sizeof(CStringW) == sizeof(void*) + sizeof(std::wstring));
 
 }  // namespace Cmm
-
-#undef CMM_EXPORT_INLINE
