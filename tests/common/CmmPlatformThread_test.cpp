@@ -177,8 +177,10 @@ TEST(PlatformThread, SleepsForMilliseconds) {
   EXPECT_GE(GetTickCount64() - start, 34u);  // a tick of 16 ms less
 }
 
-TEST(PlatformThread, YieldCurrentThreadReturns) {
+TEST(PlatformThread, YieldCurrentThreadReturnsToTheSameThread) {
+  const auto before = PlatformThread::CurrentId();
   PlatformThread::YieldCurrentThread();
+  EXPECT_EQ(PlatformThread::CurrentId(), before);
 }
 
 TEST(PlatformThreadDelegate, HasItsDestructorAheadOfItsBody) {

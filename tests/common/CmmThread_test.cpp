@@ -281,8 +281,10 @@ TEST(CThread, SleepsForMilliseconds) {
   EXPECT_GE(GetTickCount64() - start, 34u);  // a tick of 16 ms less
 }
 
-TEST(CThread, YieldReturns) {
+TEST(CThread, YieldReturnsToTheSameThread) {
+  const DWORD before = GetCurrentThreadId();
   CThread::Yield();
+  EXPECT_EQ(GetCurrentThreadId(), before);
 }
 
 TEST(IThread, HasThreadProcAsItsFirstVirtualOperation) {
