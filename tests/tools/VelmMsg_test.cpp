@@ -24,10 +24,10 @@ using velm_tools::ErrorOf;
 
 const std::string kAudioText =
     "<com.velm.app.3rd.audiosdk.sendaudiocmd.request ChannelId=\"7\" "
-    "AudioCmdRequest=\"{&quot;cmd&quot;:5}\" version=\"10000\"/>";
+    "AudioCmdRequest=\"{&quot;cmd&quot;:5}\" version=\"10000\"/>\n";
 
-// 114 bytes of text, type 40520.
-const std::string kAudioHead("\x72\0\0\0\x48\x9e\0\0", 8);
+// 118 bytes of text, type 40520.
+const std::string kAudioHead("\x76\0\0\0\x48\x9e\0\0", 8);
 
 std::string FailureOf(const std::function<void()>& function) {
   try {
@@ -74,18 +74,20 @@ TEST(VelmMsgEncode, AudioCommandHasTheseBytes) {
 TEST(VelmMsgEncode, FieldsThatAreNotSetAreZeroOrEmpty) {
   EXPECT_EQ(EncodeFields("40520", {}).text,
             "<com.velm.app.3rd.audiosdk.sendaudiocmd.request ChannelId=\"0\" AudioCmdRequest=\"\" "
-            "version=\"10000\"/>");
+            "version=\"10000\"/>\n");
 }
 
 TEST(VelmMsgEncode, MessageWithoutFieldsHasOnlyItsVersion) {
-  EXPECT_EQ(EncodeFields("40353", {}).text, "<com.velm.app.log.clientexit version=\"10000\"/>");
+  EXPECT_EQ(EncodeFields("40353", {}).text, "<com.velm.app.log.clientexit version=\"10000\"/>\n");
 }
 
 TEST(VelmMsgEncode, WrongAssignmentsAreNamed) {
   EXPECT_EQ(ErrorOf([] { EncodeFields("40520", {"ChannelID=1"}); }),
             "CQXMBMessage_Audio3rdSDK_AudioCmdRequest has no field 'ChannelID', did you mean 'ChannelId'?");
   EXPECT_EQ(ErrorOf([] { EncodeFields("40520", {"ChannelId"}); }), "'ChannelId' is not name=value");
-  EXPECT_EQ(ErrorOf([] { EncodeFields("40520", {"ChannelId=1", "ChannelId=1"}); }),
+  EXPECT_EQ(ErrorOf([] {
+              EncodeFields("40520", {"ChannelId=1", "ChannelId=1"});
+            }),
             "'ChannelId' is set twice");
   for (const char* value : {"", "-1", "4294967296", "1 ", "x"})
     EXPECT_EQ(ErrorOf([=] { EncodeFields("40520", {std::string("ChannelId=") + value}); }),
@@ -98,8 +100,13 @@ TEST(VelmMsgEncode, ValueMayHoldEqualsSigns) {
 }
 
 TEST(VelmMsgEncode, ValueThatWouldNotArriveIsRefused) {
-  EXPECT_THAT(FailureOf([] { EncodeJson(R"({"NameSpace":"a\u0000b"})", &FindTheOne("50001")); }),
-              HasSubstr("'NameSpace'"));
+  const auto failureOf = [](const std::string& json) {
+    return FailureOf([&] { EncodeJson(json, &FindTheOne("50001")); });
+  };
+  const std::string refused = "CQXMBMessage_IPCSDK_SDKCmdRequest cannot be sent: the value of 'NameSpace' ";
+  EXPECT_EQ(failureOf(R"({"NameSpace":"a\u0000b"})"), refused + R"(would arrive as "a")");
+  EXPECT_EQ(failureOf(R"({"NameSpace":"a\r\nb"})"), refused + R"(would arrive as "a\nb")");
+  EXPECT_EQ(failureOf(R"({"NameSpace":"a\nb"})"), "no failure");
 }
 
 TEST(VelmMsgEncode, JsonIsFieldsOrWhatDecodeGives) {
@@ -157,8 +164,8 @@ TEST(VelmMsgDecode, JsonLineOfAFrame) {
 TEST(VelmMsgDecode, ReadableLinesKeepTheOrderOfTheWire) {
   EXPECT_THAT(ToLines(DecodeOne(kAudioHead + kAudioText)),
               ElementsAre("frame at 0, type 40520: CQXMBMessage_Audio3rdSDK_AudioCmdRequest",
-                          "  wire name com.velm.app.3rd.audiosdk.sendaudiocmd.request",
-                          "  u32 ChannelId = 7", R"(  wstr AudioCmdRequest = "{\"cmd\":5}")"));
+                          "  wire name com.velm.app.3rd.audiosdk.sendaudiocmd.request", "  u32 ChannelId = 7",
+                          R"(  wstr AudioCmdRequest = "{\"cmd\":5}")"));
 }
 
 TEST(VelmMsgDecode, FramesFollowOneAnother) {
@@ -259,7 +266,8 @@ TEST(VelmMsgDecode, TypeThatIsNotTheNamesIsAnErrorAndTheTextIsRead) {
 }
 
 TEST(VelmMsgDecode, TypeSharedByTwoMessagesIsToldApartByTheName) {
-  for (const char* name : {"CQXMBMessage_OutlookStartMeetingRequest", "CQXMBMessage_OutlookStartMeetingResponse"}) {
+  for (const char* name :
+       {"CQXMBMessage_OutlookStartMeetingRequest", "CQXMBMessage_OutlookStartMeetingResponse"}) {
     const Decoded decoded = DecodeOne(EncodeFields(name, {}).frame);
     EXPECT_THAT(decoded.problems, IsEmpty());
     EXPECT_STREQ(decoded.messageClass->className, name);
@@ -332,10 +340,12 @@ TEST(VelmMsgLookup, ClassIdAndWireNameNameTheSame) {
 
 TEST(VelmMsgLookup, UnknownAndSharedNamesAreTold) {
   EXPECT_EQ(ErrorOf([] { FindNamed("4"); }), "no message has the id 4");
-  EXPECT_THAT(ErrorOf([] { FindNamed("QXIPCMessage_Conect"); }), HasSubstr("did you mean 'QXIPCMessage_Connect'?"));
-  EXPECT_EQ(ErrorOf([] { FindTheOne("10210"); }),
-            "'10210' is shared by CQXMBMessage_AvatarDataRequest and CQXMBMessage_NotifyRunningLate: name the "
-            "class");
+  EXPECT_THAT(ErrorOf([] { FindNamed("QXIPCMessage_Conect"); }),
+              HasSubstr("did you mean 'QXIPCMessage_Connect'?"));
+  EXPECT_EQ(
+      ErrorOf([] { FindTheOne("10210"); }),
+      "'10210' is shared by CQXMBMessage_AvatarDataRequest and CQXMBMessage_NotifyRunningLate: name the "
+      "class");
   EXPECT_THAT(FindNamed("10210"), SizeIs(2));
 }
 
@@ -357,7 +367,8 @@ TEST(VelmMsgLookup, FamiliesHoldEveryMessageOnce) {
 }
 
 TEST(VelmMsgLookup, AllAboutAMessage) {
-  EXPECT_EQ(Line(FindTheOne("40351")), "40351 CQXMBMessage_LogService_StartChannel com.velm.app.log.startchannel");
+  EXPECT_EQ(Line(FindTheOne("40351")),
+            "40351 CQXMBMessage_LogService_StartChannel com.velm.app.log.startchannel");
   EXPECT_THAT(Lines(FindTheOne("40351")),
               ElementsAre("class      CQXMBMessage_LogService_StartChannel", "id         40351",
                           "wire name  com.velm.app.log.startchannel", "family     sdk_and_connection",

@@ -87,16 +87,13 @@ std::vector<Encoded> EncodeJson(std::string_view json, const MessageClass* messa
     const size_t end = std::min(rest.find('\n'), rest.size());
     const std::string_view line = velm_tools::Trim(rest.substr(0, end));
     rest.remove_prefix(std::min(end + 1, rest.size()));
-    if (line.empty() || line == "\r") continue;
-    const auto fail = [&](const std::string& why) {
-      throw std::runtime_error("line " + std::to_string(number) + ": " + why);
-    };
-    const std::optional<Json::Value> value = velm_tools::ParseJson(line);
-    if (!value) fail("no JSON object");
+    if (line.empty()) continue;
     try {
+      const std::optional<Json::Value> value = velm_tools::ParseJson(line);
+      if (!value) throw UsageError("no JSON object");
       all.push_back(EncodeObject(*value, messageClass));
     } catch (const std::runtime_error& error) {
-      fail(error.what());
+      throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
     }
   }
   if (all.empty()) throw std::runtime_error("the input holds no JSON object");
@@ -114,8 +111,8 @@ Encoded Encode(CatalogueMessage& message) {
   if (!received.Object().ParseMsg(built.get())) fail("what is built does not read");
   for (size_t i = 0; i < messageClass.fields.size(); ++i)
     if (received.GetFieldText(i) != message.GetFieldText(i))
-      fail(std::string("the value of '") + messageClass.fields[i].name + "' would arrive as '" +
-           received.GetFieldText(i) + "'");
+      fail(std::string("the value of '") + messageClass.fields[i].name + "' would arrive as " +
+           velm_tools::ToJson(received.GetFieldText(i)));
 
   // What BuildMsg gives is a record of this kind.
   Cmm::CmmInternelMsg frame(built->GetData(), built->GetLen(), 0);
