@@ -325,8 +325,15 @@ TEST(VelmMsgRoundTrip, EveryMessageComesBackThroughFrameTextAndJson) {
     ++count;
   }
   EXPECT_EQ(count, 396u);
-  EXPECT_THAT(FailureOf([=] { EncodeFields(unusable->className, {}); }),
-              HasSubstr("which share a wire name, a process can only use the one that it meets first"));
+  const std::string reason = "which share a wire name, a process can only use the one that it meets first";
+  EXPECT_THAT(FailureOf([=] { EncodeFields(unusable->className, {}); }), HasSubstr(reason));
+  std::string text = std::string("<") + unusable->wireName;
+  for (const auto& field : unusable->fields)
+    text += std::string(" ") + field.name + "=\"1\"";
+  const Decoded decoded = DecodeOne(text + " version=\"10000\"/>");
+  EXPECT_EQ(decoded.messageClass, unusable);
+  EXPECT_FALSE(decoded.IsRead());
+  EXPECT_THAT(decoded.problems, ElementsAre(HasSubstr(reason)));
 }
 
 // ---- The catalogue --------------------------------------------------------------------------------------

@@ -85,8 +85,10 @@ std::vector<Encoded> EncodeJson(std::string_view json, const MessageClass* messa
   size_t number = 1;
   for (std::string_view rest = json; !rest.empty(); ++number) {
     const size_t end = std::min(rest.find('\n'), rest.size());
-    const std::string_view line = velm_tools::Trim(rest.substr(0, end));
+    std::string_view line = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    line = velm_tools::Trim(line);
     if (line.empty()) continue;
     try {
       const std::optional<Json::Value> value = velm_tools::ParseJson(line);
