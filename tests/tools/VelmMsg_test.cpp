@@ -126,7 +126,11 @@ TEST(VelmMsgEncode, WrongJsonIsNamed) {
   EXPECT_EQ(FailureOf([&] { EncodeJson("", &audio); }), "the input holds no JSON object");
   EXPECT_EQ(FailureOf([&] { EncodeJson("{}\n{", &audio); }), "line 2: no JSON object");
   EXPECT_EQ(FailureOf([&] { EncodeJson("[]", &audio); }), "a message is a JSON object");
-  EXPECT_THAT(FailureOf([&] { EncodeJson("{}", nullptr); }), HasSubstr("name the class"));
+  EXPECT_EQ(FailureOf([] { EncodeJson("{}", nullptr); }), "\"fields\" is missing or no object");
+  EXPECT_EQ(FailureOf([] { EncodeJson(R"({"fields":{}})", nullptr); }),
+            "\"class\" is missing, and no message is named");
+  EXPECT_EQ(FailureOf([&] { EncodeJson(R"({"class":"QXIPCMessage_Connect","fields":{}})", &audio); }),
+            "a QXIPCMessage_Connect is no CQXMBMessage_Audio3rdSDK_AudioCmdRequest");
   EXPECT_THAT(FailureOf([&] { EncodeJson(R"({"ChannelId":1.5})", &audio); }), HasSubstr("not 1.5"));
   EXPECT_THAT(FailureOf([&] { EncodeJson(R"({"ChannelId":null})", &audio); }), HasSubstr("not null"));
   EXPECT_THAT(FailureOf([&] { EncodeJson(R"({"ChannelId":-1})", &audio); }), HasSubstr("'-1' is no u32"));
@@ -187,7 +191,8 @@ TEST(VelmMsgDecode, EveryPieceOfAFrameIsCutOrLeft) {
   for (size_t size = 1; size < frame.size(); ++size) {
     const Decoded decoded = DecodeOne(frame.substr(0, size));
     EXPECT_FALSE(decoded.IsRead());
-    EXPECT_THAT(decoded.problems, ElementsAre(HasSubstr(size < 8 ? "where a header has 8 bytes" : "cut: ")));
+    EXPECT_THAT(decoded.problems,
+                ElementsAre(HasSubstr(size < 8 ? "where a header has 8 bytes" : "as a frame cut: ")));
   }
 }
 
@@ -200,9 +205,21 @@ TEST(VelmMsgDecode, WhatTrailsAFrameIsTold) {
   EXPECT_THAT(all[1].problems, ElementsAre("3 bytes left, where a header has 8 bytes"));
 }
 
+TEST(VelmMsgDecode, SecondFrameThatIsCutIsToldAndTheFirstIsRead) {
+  const std::string frame = kAudioHead + kAudioText;
+  const std::vector<Decoded> all = Decode(frame + frame.substr(0, 9), nullptr);
+  ASSERT_THAT(all, SizeIs(2));
+  ExpectAudio(all[0]);
+  EXPECT_THAT(
+      ToLines(all[1]),
+      ElementsAre("at 126", "  error: cut: the header tells of 118 bytes, and what is left is 1 byte"));
+}
+
 TEST(VelmMsgDecode, HeaderWithTheLargestLengthIsCut) {
-  EXPECT_THAT(DecodeOne(HeadOf(0xFFFFFFFF, 1) + "abc").problems,
-              ElementsAre("cut: the header tells of 4294967295 bytes, and 3 bytes follow"));
+  EXPECT_THAT(
+      DecodeOne(HeadOf(0xFFFFFFFF, 1) + "abc").problems,
+      ElementsAre(
+          "no XML, and as a frame cut: the header tells of 4294967295 bytes, and what is left is 3 bytes"));
 }
 
 TEST(VelmMsgDecode, HeaderWithoutPayloadIsTold) {

@@ -214,8 +214,9 @@ std::vector<Decoded> DecodeFrames(std::string_view bytes, const MessageClass* as
     }
     const unsigned length = Cmm::CmmInternelMsg::ParseMsgLen(rest.data());
     if (length > rest.size() - headLen) {
-      all.push_back(Problem(at, "cut: the header tells of " + Bytes(length) + ", and " +
-                                    Bytes(rest.size() - headLen) + " follow"));
+      all.push_back(Problem(at, std::string(at == 0 ? "no XML, and as a frame cut" : "cut") +
+                                    ": the header tells of " + Bytes(length) + ", and what is left is " +
+                                    Bytes(rest.size() - headLen)));
       break;
     }
     if (length == 0) {
@@ -272,10 +273,9 @@ std::optional<std::string> WhyUnusable(const MessageClass& messageClass) {
 }
 
 std::vector<std::string> ToLines(const Decoded& decoded) {
-  std::string head = "message";
+  std::string head = decoded.wireName.empty() ? "at " + std::to_string(decoded.offset) : "message";
   if (decoded.type)
     head = "frame at " + std::to_string(decoded.offset) + ", type " + std::to_string(*decoded.type);
-  if (!decoded.type && decoded.offset) head = "at " + std::to_string(decoded.offset);
   if (decoded.messageClass) head += std::string(": ") + decoded.messageClass->className;
   std::vector<std::string> lines{head};
   if (!decoded.wireName.empty()) lines.push_back("  wire name " + decoded.wireName);

@@ -46,22 +46,24 @@ std::string TextOf(const Json::Value& value, const std::string& name) {
   throw UsageError("the field '" + name + "' takes text or a whole number, not " + velm_tools::ToJson(value));
 }
 
-const MessageClass& ClassOf(const Json::Value& object, const MessageClass* given) {
-  if (given) return *given;
-  const Json::Value& name = object["class"];
-  if (!name.isString()) throw UsageError("name the class, or give it as \"class\" beside \"fields\"");
-  return FindTheOne(name.asString());
+Encoded EncodeFields(const MessageClass& messageClass, const Json::Value& fields) {
+  CatalogueMessage message(messageClass);
+  for (const std::string& name : fields.getMemberNames())
+    SetField(message, FindField(message, name), TextOf(fields[name], name));
+  return Encode(message);
 }
 
 Encoded EncodeObject(const Json::Value& object, const MessageClass* given) {
   if (!object.isObject()) throw UsageError("a message is a JSON object");
-  CatalogueMessage message(ClassOf(object, given));
-  const Json::Value& nested = object["fields"];
-  if (!given && !nested.isObject()) throw UsageError("\"fields\" is missing or no object");
-  const Json::Value& fields = nested.isObject() ? nested : object;
-  for (const std::string& name : fields.getMemberNames())
-    SetField(message, FindField(message, name), TextOf(fields[name], name));
-  return Encode(message);
+  const Json::Value& fields = object["fields"];
+  if (given && !fields.isObject()) return EncodeFields(*given, object);
+  if (!fields.isObject()) throw UsageError("\"fields\" is missing or no object");
+  const Json::Value& name = object["class"];
+  if (!name.isString() && !given) throw UsageError("\"class\" is missing, and no message is named");
+  const MessageClass& messageClass = name.isString() ? FindTheOne(name.asString()) : *given;
+  if (given && given != &messageClass)
+    throw UsageError(std::string("a ") + messageClass.className + " is no " + given->className);
+  return EncodeFields(messageClass, fields);
 }
 
 }  // namespace
