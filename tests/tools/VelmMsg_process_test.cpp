@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "archive/catalogue/Catalogue.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace velm_test {
 namespace {
@@ -34,47 +34,34 @@ Outcome RunTool(const std::vector<std::string>& arguments, std::string_view inpu
   return outcome;
 }
 
-class TemporaryFile {
- public:
-  TemporaryFile() : m_path(std::filesystem::temp_directory_path() / L"velm_msg_test.bin") {}
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() {
-    std::error_code ignored;
-    std::filesystem::remove(m_path, ignored);
-  }
+std::string BytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
 
-  std::string Name() const { return m_path.string(); }
-  std::string Bytes() const {
-    std::ifstream file(m_path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  }
-
- private:
-  std::filesystem::path m_path;
-};
-
-// 26 bytes of text would be 0x1A in the header, the end of a file in text mode; line feeds are kept too.
+// A stream in text mode would change line ends, and end at 0x1A.
 TEST(VelmMsgProgram, FrameGoesThroughAFileAndTheInputUnchanged) {
-  const TemporaryFile file;
-  ASSERT_EQ(RunTool({"encode", "40521", "--frame", "--out", file.Name(), "ChannelId=10",
-                 "AudioCmdNotify=a\r\n\x1a" "b"})
+  const ScratchDirectory directory;
+  const std::string file = directory.Narrow() + "\\frame.bin";
+  ASSERT_EQ(RunTool({"encode", "40521", "--frame", "--out", file, "ChannelId=10",
+                     "AudioCmdNotify=a\n\n\x1a"
+                     "b"})
                 .code,
             0u);
-  const std::string frame = file.Bytes();
+  const std::string frame = BytesOf(file);
   ASSERT_GT(frame.size(), 8u);
   EXPECT_EQ(static_cast<unsigned char>(frame[0]) + 8u, frame.size());
   const std::string json =
       R"({"offset":0,"type":40521,"class":"CQXMBMessage_Audio3rdSDK_AudioCmdNotify",)"
       R"("wireName":"com.velm.app.3rd.audiosdk.sendaudiocmd.notify",)"
-      R"("fields":{"AudioCmdNotify":"a\r\n\u001ab","ChannelId":10},"notes":[],"errors":[]})";
-  EXPECT_THAT(RunTool({"decode", "--json", file.Name()}).lines, ElementsAre(json));
+      R"("fields":{"AudioCmdNotify":"a\n\n\u001ab","ChannelId":10},"notes":[],"errors":[]})";
+  EXPECT_THAT(RunTool({"decode", "--json", file}).lines, ElementsAre(json));
   EXPECT_THAT(RunTool({"decode", "--json"}, frame).lines, ElementsAre(json));
   const Outcome again = RunTool({"encode", "--frame", "--json", "-"}, json);
   EXPECT_EQ(again.code, 0u);
   std::string output;
   for (const std::string& line : again.lines)
-    output += (output.empty() ? "" : "\n") + line;
+    output += line + '\n';
   EXPECT_EQ(output, frame);
 }
 
@@ -83,9 +70,9 @@ TEST(VelmMsgProgram, HexGoesRound) {
   ASSERT_THAT(hex.lines, SizeIs(1));
   const Outcome decoded = RunTool({"decode", "--hex"}, hex.lines[0] + "\r\n");
   EXPECT_EQ(decoded.code, 0u) << decoded.errors;
-  EXPECT_THAT(decoded.lines, ElementsAre("frame at 0, type 1: QXIPCMessage_Connect",
-                                         "  wire name com.Tessarn.ipc.internel.connect_req",
-                                         "  u32 ProcessID = 1"));
+  EXPECT_THAT(decoded.lines,
+              ElementsAre("frame at 0, type 1: QXIPCMessage_Connect",
+                          "  wire name com.Tessarn.ipc.internel.connect_req", "  u32 ProcessID = 1"));
   EXPECT_EQ(RunTool({"decode", "--hex"}, "0g").code, 1u);
 }
 

@@ -24,10 +24,10 @@ using velm_tools::ErrorOf;
 
 const std::string kAudioText =
     "<com.velm.app.3rd.audiosdk.sendaudiocmd.request ChannelId=\"7\" "
-    "AudioCmdRequest=\"{&quot;cmd&quot;:5}\" version=\"10000\"/>";
+    "AudioCmdRequest=\"{&quot;cmd&quot;:5}\" version=\"10000\"/>\n";
 
-// 114 bytes of text, type 40520.
-const std::string kAudioHead("\x72\0\0\0\x48\x9e\0\0", 8);
+// 118 bytes of text, type 40520.
+const std::string kAudioHead("\x76\0\0\0\x48\x9e\0\0", 8);
 
 std::string FailureOf(const std::function<void()>& function) {
   try {
@@ -74,18 +74,20 @@ TEST(VelmMsgEncode, AudioCommandHasTheseBytes) {
 TEST(VelmMsgEncode, FieldsThatAreNotSetAreZeroOrEmpty) {
   EXPECT_EQ(EncodeFields("40520", {}).text,
             "<com.velm.app.3rd.audiosdk.sendaudiocmd.request ChannelId=\"0\" AudioCmdRequest=\"\" "
-            "version=\"10000\"/>");
+            "version=\"10000\"/>\n");
 }
 
 TEST(VelmMsgEncode, MessageWithoutFieldsHasOnlyItsVersion) {
-  EXPECT_EQ(EncodeFields("40353", {}).text, "<com.velm.app.log.clientexit version=\"10000\"/>");
+  EXPECT_EQ(EncodeFields("40353", {}).text, "<com.velm.app.log.clientexit version=\"10000\"/>\n");
 }
 
 TEST(VelmMsgEncode, WrongAssignmentsAreNamed) {
   EXPECT_EQ(ErrorOf([] { EncodeFields("40520", {"ChannelID=1"}); }),
             "CQXMBMessage_Audio3rdSDK_AudioCmdRequest has no field 'ChannelID', did you mean 'ChannelId'?");
   EXPECT_EQ(ErrorOf([] { EncodeFields("40520", {"ChannelId"}); }), "'ChannelId' is not name=value");
-  EXPECT_EQ(ErrorOf([] { EncodeFields("40520", {"ChannelId=1", "ChannelId=1"}); }),
+  EXPECT_EQ(ErrorOf([] {
+              EncodeFields("40520", {"ChannelId=1", "ChannelId=1"});
+            }),
             "'ChannelId' is set twice");
   for (const char* value : {"", "-1", "4294967296", "1 ", "x"})
     EXPECT_EQ(ErrorOf([=] { EncodeFields("40520", {std::string("ChannelId=") + value}); }),
@@ -98,8 +100,13 @@ TEST(VelmMsgEncode, ValueMayHoldEqualsSigns) {
 }
 
 TEST(VelmMsgEncode, ValueThatWouldNotArriveIsRefused) {
-  EXPECT_THAT(FailureOf([] { EncodeJson(R"({"NameSpace":"a\u0000b"})", &FindTheOne("50001")); }),
-              HasSubstr("'NameSpace'"));
+  const auto failureOf = [](const std::string& json) {
+    return FailureOf([&] { EncodeJson(json, &FindTheOne("50001")); });
+  };
+  const std::string refused = "CQXMBMessage_IPCSDK_SDKCmdRequest cannot be sent: the value of 'NameSpace' ";
+  EXPECT_EQ(failureOf(R"({"NameSpace":"a\u0000b"})"), refused + R"(would arrive as "a")");
+  EXPECT_EQ(failureOf(R"({"NameSpace":"a\r\nb"})"), refused + R"(would arrive as "a\nb")");
+  EXPECT_EQ(failureOf(R"({"NameSpace":"a\nb"})"), "no failure");
 }
 
 TEST(VelmMsgEncode, JsonIsFieldsOrWhatDecodeGives) {
@@ -119,7 +126,11 @@ TEST(VelmMsgEncode, WrongJsonIsNamed) {
   EXPECT_EQ(FailureOf([&] { EncodeJson("", &audio); }), "the input holds no JSON object");
   EXPECT_EQ(FailureOf([&] { EncodeJson("{}\n{", &audio); }), "line 2: no JSON object");
   EXPECT_EQ(FailureOf([&] { EncodeJson("[]", &audio); }), "a message is a JSON object");
-  EXPECT_THAT(FailureOf([&] { EncodeJson("{}", nullptr); }), HasSubstr("name the class"));
+  EXPECT_EQ(FailureOf([] { EncodeJson("{}", nullptr); }), "\"fields\" is missing or no object");
+  EXPECT_EQ(FailureOf([] { EncodeJson(R"({"fields":{}})", nullptr); }),
+            "\"class\" is missing, and no message is named");
+  EXPECT_EQ(FailureOf([&] { EncodeJson(R"({"class":"QXIPCMessage_Connect","fields":{}})", &audio); }),
+            "a QXIPCMessage_Connect is no CQXMBMessage_Audio3rdSDK_AudioCmdRequest");
   EXPECT_THAT(FailureOf([&] { EncodeJson(R"({"ChannelId":1.5})", &audio); }), HasSubstr("not 1.5"));
   EXPECT_THAT(FailureOf([&] { EncodeJson(R"({"ChannelId":null})", &audio); }), HasSubstr("not null"));
   EXPECT_THAT(FailureOf([&] { EncodeJson(R"({"ChannelId":-1})", &audio); }), HasSubstr("'-1' is no u32"));
@@ -157,8 +168,8 @@ TEST(VelmMsgDecode, JsonLineOfAFrame) {
 TEST(VelmMsgDecode, ReadableLinesKeepTheOrderOfTheWire) {
   EXPECT_THAT(ToLines(DecodeOne(kAudioHead + kAudioText)),
               ElementsAre("frame at 0, type 40520: CQXMBMessage_Audio3rdSDK_AudioCmdRequest",
-                          "  wire name com.velm.app.3rd.audiosdk.sendaudiocmd.request",
-                          "  u32 ChannelId = 7", R"(  wstr AudioCmdRequest = "{\"cmd\":5}")"));
+                          "  wire name com.velm.app.3rd.audiosdk.sendaudiocmd.request", "  u32 ChannelId = 7",
+                          R"(  wstr AudioCmdRequest = "{\"cmd\":5}")"));
 }
 
 TEST(VelmMsgDecode, FramesFollowOneAnother) {
@@ -180,7 +191,8 @@ TEST(VelmMsgDecode, EveryPieceOfAFrameIsCutOrLeft) {
   for (size_t size = 1; size < frame.size(); ++size) {
     const Decoded decoded = DecodeOne(frame.substr(0, size));
     EXPECT_FALSE(decoded.IsRead());
-    EXPECT_THAT(decoded.problems, ElementsAre(HasSubstr(size < 8 ? "where a header has 8 bytes" : "cut: ")));
+    EXPECT_THAT(decoded.problems,
+                ElementsAre(HasSubstr(size < 8 ? "where a header has 8 bytes" : "as a frame cut: ")));
   }
 }
 
@@ -193,9 +205,21 @@ TEST(VelmMsgDecode, WhatTrailsAFrameIsTold) {
   EXPECT_THAT(all[1].problems, ElementsAre("3 bytes left, where a header has 8 bytes"));
 }
 
+TEST(VelmMsgDecode, SecondFrameThatIsCutIsToldAndTheFirstIsRead) {
+  const std::string frame = kAudioHead + kAudioText;
+  const std::vector<Decoded> all = Decode(frame + frame.substr(0, 9), nullptr);
+  ASSERT_THAT(all, SizeIs(2));
+  ExpectAudio(all[0]);
+  EXPECT_THAT(
+      ToLines(all[1]),
+      ElementsAre("at 126", "  error: cut: the header tells of 118 bytes, and what is left is 1 byte"));
+}
+
 TEST(VelmMsgDecode, HeaderWithTheLargestLengthIsCut) {
-  EXPECT_THAT(DecodeOne(HeadOf(0xFFFFFFFF, 1) + "abc").problems,
-              ElementsAre("cut: the header tells of 4294967295 bytes, and 3 bytes follow"));
+  EXPECT_THAT(
+      DecodeOne(HeadOf(0xFFFFFFFF, 1) + "abc").problems,
+      ElementsAre(
+          "no XML, and as a frame cut: the header tells of 4294967295 bytes, and what is left is 3 bytes"));
 }
 
 TEST(VelmMsgDecode, HeaderWithoutPayloadIsTold) {
@@ -259,7 +283,8 @@ TEST(VelmMsgDecode, TypeThatIsNotTheNamesIsAnErrorAndTheTextIsRead) {
 }
 
 TEST(VelmMsgDecode, TypeSharedByTwoMessagesIsToldApartByTheName) {
-  for (const char* name : {"CQXMBMessage_OutlookStartMeetingRequest", "CQXMBMessage_OutlookStartMeetingResponse"}) {
+  for (const char* name :
+       {"CQXMBMessage_OutlookStartMeetingRequest", "CQXMBMessage_OutlookStartMeetingResponse"}) {
     const Decoded decoded = DecodeOne(EncodeFields(name, {}).frame);
     EXPECT_THAT(decoded.problems, IsEmpty());
     EXPECT_STREQ(decoded.messageClass->className, name);
@@ -317,8 +342,15 @@ TEST(VelmMsgRoundTrip, EveryMessageComesBackThroughFrameTextAndJson) {
     ++count;
   }
   EXPECT_EQ(count, 396u);
-  EXPECT_THAT(FailureOf([=] { EncodeFields(unusable->className, {}); }),
-              HasSubstr("which share a wire name, a process can only use the one that it meets first"));
+  const std::string reason = "which share a wire name, a process can only use the one that it meets first";
+  EXPECT_THAT(FailureOf([=] { EncodeFields(unusable->className, {}); }), HasSubstr(reason));
+  std::string text = std::string("<") + unusable->wireName;
+  for (const auto& field : unusable->fields)
+    text += std::string(" ") + field.name + "=\"1\"";
+  const Decoded decoded = DecodeOne(text + " version=\"10000\"/>");
+  EXPECT_EQ(decoded.messageClass, unusable);
+  EXPECT_FALSE(decoded.IsRead());
+  EXPECT_THAT(decoded.problems, ElementsAre(HasSubstr(reason)));
 }
 
 // ---- The catalogue --------------------------------------------------------------------------------------
@@ -332,10 +364,12 @@ TEST(VelmMsgLookup, ClassIdAndWireNameNameTheSame) {
 
 TEST(VelmMsgLookup, UnknownAndSharedNamesAreTold) {
   EXPECT_EQ(ErrorOf([] { FindNamed("4"); }), "no message has the id 4");
-  EXPECT_THAT(ErrorOf([] { FindNamed("QXIPCMessage_Conect"); }), HasSubstr("did you mean 'QXIPCMessage_Connect'?"));
-  EXPECT_EQ(ErrorOf([] { FindTheOne("10210"); }),
-            "'10210' is shared by CQXMBMessage_AvatarDataRequest and CQXMBMessage_NotifyRunningLate: name the "
-            "class");
+  EXPECT_THAT(ErrorOf([] { FindNamed("QXIPCMessage_Conect"); }),
+              HasSubstr("did you mean 'QXIPCMessage_Connect'?"));
+  EXPECT_EQ(
+      ErrorOf([] { FindTheOne("10210"); }),
+      "'10210' is shared by CQXMBMessage_AvatarDataRequest and CQXMBMessage_NotifyRunningLate: name the "
+      "class");
   EXPECT_THAT(FindNamed("10210"), SizeIs(2));
 }
 
@@ -357,7 +391,8 @@ TEST(VelmMsgLookup, FamiliesHoldEveryMessageOnce) {
 }
 
 TEST(VelmMsgLookup, AllAboutAMessage) {
-  EXPECT_EQ(Line(FindTheOne("40351")), "40351 CQXMBMessage_LogService_StartChannel com.velm.app.log.startchannel");
+  EXPECT_EQ(Line(FindTheOne("40351")),
+            "40351 CQXMBMessage_LogService_StartChannel com.velm.app.log.startchannel");
   EXPECT_THAT(Lines(FindTheOne("40351")),
               ElementsAre("class      CQXMBMessage_LogService_StartChannel", "id         40351",
                           "wire name  com.velm.app.log.startchannel", "family     sdk_and_connection",

@@ -131,7 +131,8 @@ void ExplainFailure(const XMLElement& element, CatalogueMessage& message, Decode
     const MessageField& field = message.Class().fields[i];
     const char* text = element.Attribute(field.name);
     if (message.SetFieldText(i, text)) continue;
-    decoded.Fail("the attribute " + Quote(field.name) + " is no " + ToString(field.type) + ": " + Quote(text));
+    decoded.Fail("the attribute " + Quote(field.name) + " is no " + ToString(field.type) + ": " +
+                 Quote(text));
     isExplained = true;
   }
   if (!isExplained) decoded.Fail("the text does not read as " + std::string(message.Class().className));
@@ -213,8 +214,9 @@ std::vector<Decoded> DecodeFrames(std::string_view bytes, const MessageClass* as
     }
     const unsigned length = Cmm::CmmInternelMsg::ParseMsgLen(rest.data());
     if (length > rest.size() - headLen) {
-      all.push_back(Problem(at, "cut: the header tells of " + Bytes(length) + ", and " +
-                                    Bytes(rest.size() - headLen) + " follow"));
+      all.push_back(Problem(at, std::string(at == 0 ? "no XML, and as a frame cut" : "cut") +
+                                    ": the header tells of " + Bytes(length) + ", and what is left is " +
+                                    Bytes(rest.size() - headLen)));
       break;
     }
     if (length == 0) {
@@ -262,16 +264,18 @@ std::vector<Decoded> Decode(std::string_view bytes, const MessageClass* as) {
 std::optional<std::string> WhyUnusable(const MessageClass& messageClass) {
   CatalogueMessage message(messageClass);
   const std::unique_ptr<Cmm::CmmMQ_Msg> built(message.Object().BuildMsg(kOwnId));
-  if (built) return std::nullopt;
-  return "of " + Names(Cmm::Archive::FindMessagesByWireName(messageClass.wireName)) +
+  const std::vector<const MessageClass*> sharing =
+      Cmm::Archive::FindMessagesByWireName(messageClass.wireName);
+  if (built || sharing.size() < 2) return std::nullopt;
+  return "of " + Names(sharing) +
          ", which share a wire name, a process can only use the one that it meets first: give " +
          messageClass.className + " a run of its own";
 }
 
 std::vector<std::string> ToLines(const Decoded& decoded) {
-  std::string head = "message";
-  if (decoded.type) head = "frame at " + std::to_string(decoded.offset) + ", type " + std::to_string(*decoded.type);
-  if (!decoded.type && decoded.offset) head = "at " + std::to_string(decoded.offset);
+  std::string head = decoded.wireName.empty() ? "at " + std::to_string(decoded.offset) : "message";
+  if (decoded.type)
+    head = "frame at " + std::to_string(decoded.offset) + ", type " + std::to_string(*decoded.type);
   if (decoded.messageClass) head += std::string(": ") + decoded.messageClass->className;
   std::vector<std::string> lines{head};
   if (!decoded.wireName.empty()) lines.push_back("  wire name " + decoded.wireName);

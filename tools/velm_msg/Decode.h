@@ -18,15 +18,15 @@ using Cmm::Archive::MessageClass;
 
 // One message of the input, or what stands in the place of one.
 struct Decoded {
-  size_t offset = 0;                            // in the input, of the frame; 0 for every text
-  std::optional<int> type;                      // of a frame
-  std::string wireName;                         // of the text; empty when there is none
-  const MessageClass* messageClass = nullptr;   // null when it cannot be told
-  std::vector<Json::Value> values;              // by the fields of the class; empty when it did not parse
-  std::vector<std::string> problems;            // why a receiver does not take the message as it should be
-  std::vector<std::string> remarks;             // what a receiver passes over
+  size_t offset = 0;                           // in the input, of the frame; 0 for every text
+  std::optional<int> type;                     // of a frame
+  std::string wireName;                        // of the text; empty when there is none
+  const MessageClass* messageClass = nullptr;  // null when it cannot be told
+  std::vector<Json::Value> values;             // by the fields of the class; empty when it did not parse
+  std::vector<std::string> problems;           // why a receiver does not take the message as it should be
+  std::vector<std::string> remarks;            // what a receiver passes over
 
-  bool isUnreadable = false;                    // one of the problems keeps the text from being read
+  bool isUnreadable = false;  // one of the problems keeps the text from being read
 
   bool IsRead() const { return messageClass && !isUnreadable; }
   void Fail(std::string problem) {

@@ -46,22 +46,24 @@ std::string TextOf(const Json::Value& value, const std::string& name) {
   throw UsageError("the field '" + name + "' takes text or a whole number, not " + velm_tools::ToJson(value));
 }
 
-const MessageClass& ClassOf(const Json::Value& object, const MessageClass* given) {
-  if (given) return *given;
-  const Json::Value& name = object["class"];
-  if (!name.isString()) throw UsageError("name the class, or give it as \"class\" beside \"fields\"");
-  return FindTheOne(name.asString());
+Encoded EncodeFields(const MessageClass& messageClass, const Json::Value& fields) {
+  CatalogueMessage message(messageClass);
+  for (const std::string& name : fields.getMemberNames())
+    SetField(message, FindField(message, name), TextOf(fields[name], name));
+  return Encode(message);
 }
 
 Encoded EncodeObject(const Json::Value& object, const MessageClass* given) {
   if (!object.isObject()) throw UsageError("a message is a JSON object");
-  CatalogueMessage message(ClassOf(object, given));
-  const Json::Value& nested = object["fields"];
-  if (!given && !nested.isObject()) throw UsageError("\"fields\" is missing or no object");
-  const Json::Value& fields = nested.isObject() ? nested : object;
-  for (const std::string& name : fields.getMemberNames())
-    SetField(message, FindField(message, name), TextOf(fields[name], name));
-  return Encode(message);
+  const Json::Value& fields = object["fields"];
+  if (given && !fields.isObject()) return EncodeFields(*given, object);
+  if (!fields.isObject()) throw UsageError("\"fields\" is missing or no object");
+  const Json::Value& name = object["class"];
+  if (!name.isString() && !given) throw UsageError("\"class\" is missing, and no message is named");
+  const MessageClass& messageClass = name.isString() ? FindTheOne(name.asString()) : *given;
+  if (given && given != &messageClass)
+    throw UsageError(std::string("a ") + messageClass.className + " is no " + given->className);
+  return EncodeFields(messageClass, fields);
 }
 
 }  // namespace
@@ -85,18 +87,17 @@ std::vector<Encoded> EncodeJson(std::string_view json, const MessageClass* messa
   size_t number = 1;
   for (std::string_view rest = json; !rest.empty(); ++number) {
     const size_t end = std::min(rest.find('\n'), rest.size());
-    const std::string_view line = velm_tools::Trim(rest.substr(0, end));
+    std::string_view line = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
-    if (line.empty() || line == "\r") continue;
-    const auto fail = [&](const std::string& why) {
-      throw std::runtime_error("line " + std::to_string(number) + ": " + why);
-    };
-    const std::optional<Json::Value> value = velm_tools::ParseJson(line);
-    if (!value) fail("no JSON object");
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    line = velm_tools::Trim(line);
+    if (line.empty()) continue;
     try {
+      const std::optional<Json::Value> value = velm_tools::ParseJson(line);
+      if (!value) throw UsageError("no JSON object");
       all.push_back(EncodeObject(*value, messageClass));
     } catch (const std::runtime_error& error) {
-      fail(error.what());
+      throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
     }
   }
   if (all.empty()) throw std::runtime_error("the input holds no JSON object");
@@ -114,8 +115,8 @@ Encoded Encode(CatalogueMessage& message) {
   if (!received.Object().ParseMsg(built.get())) fail("what is built does not read");
   for (size_t i = 0; i < messageClass.fields.size(); ++i)
     if (received.GetFieldText(i) != message.GetFieldText(i))
-      fail(std::string("the value of '") + messageClass.fields[i].name + "' would arrive as '" +
-           received.GetFieldText(i) + "'");
+      fail(std::string("the value of '") + messageClass.fields[i].name + "' would arrive as " +
+           velm_tools::ToJson(received.GetFieldText(i)));
 
   // What BuildMsg gives is a record of this kind.
   Cmm::CmmInternelMsg frame(built->GetData(), built->GetLen(), 0);

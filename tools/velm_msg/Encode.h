@@ -14,7 +14,7 @@ using Cmm::Archive::CatalogueMessage;
 using Cmm::Archive::MessageClass;
 
 struct Encoded {
-  std::string text;   // one XML element
+  std::string text;   // one XML element and a line feed
   std::string frame;  // header and text, as they travel
 };
 

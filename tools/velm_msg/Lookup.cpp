@@ -93,10 +93,9 @@ std::string Line(const MessageClass& message) {
 }
 
 std::vector<std::string> Lines(const MessageClass& message) {
-  std::vector<std::string> lines{"class      " + std::string(message.className),
-                                 "id         " + std::to_string(message.id),
-                                 "wire name  " + std::string(message.wireName),
-                                 "family     " + std::string(message.family)};
+  std::vector<std::string> lines{
+      "class      " + std::string(message.className), "id         " + std::to_string(message.id),
+      "wire name  " + std::string(message.wireName), "family     " + std::string(message.family)};
   for (const MessageField& field : message.fields)
     lines.push_back("field      " + std::string(ToString(field.type)) + ' ' + field.name);
   if (message.fields.empty()) lines.emplace_back("no fields");

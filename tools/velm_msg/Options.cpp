@@ -19,8 +19,8 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"help", Action::kHelp}, {"families", Action::kFamilies}, {"list", Action::kList},
-    {"find", Action::kFind}, {"show", Action::kShow},         {"decode", Action::kDecode},
+    {"help", Action::kHelp},     {"families", Action::kFamilies}, {"list", Action::kList},
+    {"find", Action::kFind},     {"show", Action::kShow},         {"decode", Action::kDecode},
     {"encode", Action::kEncode},
 };
 
@@ -144,13 +144,13 @@ decode
   A note tells what a receiver passes over, an error why it does not take the message as it should be.
 
 encode
-  FORM        --text (default), the XML element and a line end; --frame, the bytes that travel;
-              --hex, these as hexadecimal digits and a line end
+  FORM        --text (default), the XML element and its line feed; --frame, the bytes that travel;
+              --hex, these as hexadecimal digits on a line
   --out FILE  where to instead of the standard output
   --json      one JSON object, or one a line: either what 'decode --json' gives ("class" and "fields", the
               rest is passed over; MESSAGE may be left out) or, with MESSAGE, only the fields
-  A field that is not set is 0 or empty. A value that would not arrive as it is, such as text with a zero
-  character, is refused. VALUE is UTF-8 and runs to the end of the argument.
+  A field that is not set is 0 or empty. A value that would not arrive as it is, such as text with a
+  carriage return before a line feed, is refused. VALUE is UTF-8 and runs to the end of the argument.
 
 Two messages share even their wire name (id 40145). One run can handle the one of them that it meets first.
 

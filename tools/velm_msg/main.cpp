@@ -91,7 +91,8 @@ ExitCode Show(const std::string& word) {
 }
 
 std::string BytesFromHex(std::string text) {
-  std::ranges::replace_if(text, [](char c) { return c == '\r' || c == '\n' || c == '\t'; }, ' ');
+  std::ranges::replace_if(
+      text, [](char c) { return c == '\r' || c == '\n' || c == '\t'; }, ' ');
   const std::optional<std::string> bytes = velm_tools::FromHex(text);
   if (!bytes) throw std::runtime_error("the input is not pairs of hexadecimal digits");
   return *bytes;
@@ -132,7 +133,7 @@ std::vector<Encoded> EncodeAll(const Options& options) {
 ExitCode RunEncode(const Options& options) {
   std::string bytes;
   for (const Encoded& encoded : EncodeAll(options)) {
-    if (options.form == Form::kText) bytes += encoded.text + '\n';
+    if (options.form == Form::kText) bytes += encoded.text;
     if (options.form == Form::kFrame) bytes += encoded.frame;
     if (options.form == Form::kHex) bytes += velm_tools::ToHex(encoded.frame) + '\n';
   }
