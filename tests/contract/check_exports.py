@@ -16,7 +16,7 @@ SYSTEM_DLLS = {
 }
 
 
-CATALOGUE = re.compile(r"CQXMBMessage_|QXIPCMessage_|CmmMessageTemplate_[1-9]\d*I")
+CATALOGUE = re.compile(r"CQXMBMessage_|CQXMessage_|QXIPCMessage_|CmmMessageTemplate_[1-9]\d*I")
 
 
 def exports_and_imports(objdump, dll):
