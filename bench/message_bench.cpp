@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 #include "bench/RatioReporter.h"
 #include "common/client/utility/src/ipc/CmmMQMsg.h"
 #include "tests/support/CountedHeap.h"

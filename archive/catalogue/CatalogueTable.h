@@ -2,7 +2,7 @@
 
 // What the generated table of the catalogue is written in.
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 
 namespace Cmm::Archive {
 

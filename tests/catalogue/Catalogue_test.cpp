@@ -1,4 +1,4 @@
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 
 #include <map>
 #include <set>

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 #include "tests/catalogue/GoldenMessages.h"
 #include "tests/catalogue/MessageTesting.h"
 

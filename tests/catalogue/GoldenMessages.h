@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 
 namespace catalogue_testing {
 

@@ -4,11 +4,11 @@
 #include <set>
 
 #include "archive/ArchiveService.h"
-#include "archive/catalogue/Catalogue.h"
 #include "archive/catalogue/ConferenceFeatureMessages.h"
 #include "archive/catalogue/ConferenceMessages.h"
 #include "archive/catalogue/DesktopIntegrationMessages.h"
 #include "archive/catalogue/SdkChannelMessages.h"
+#include "archive/catalogue/catalogue.h"
 #include "tests/catalogue/GoldenMessages.h"
 #include "tests/catalogue/MessageTesting.h"
 

@@ -2,7 +2,7 @@
 #include <chrono>
 #include <thread>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 #include "tests/catalogue/GoldenMessages.h"
 #include "tests/catalogue/MessageTesting.h"
 

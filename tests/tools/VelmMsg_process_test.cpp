@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ScratchDirectory.h"
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 #include "tools/common/JsonLine.h"
 
 namespace velm_msg {

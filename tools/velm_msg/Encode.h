@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "archive/catalogue/Catalogue.h"
+#include "archive/catalogue/catalogue.h"
 
 namespace velm_msg {
 

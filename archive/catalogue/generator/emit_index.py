@@ -1,4 +1,4 @@
-"""The table behind Catalogue.h."""
+"""The table behind catalogue.h."""
 from . import layout
 
 
