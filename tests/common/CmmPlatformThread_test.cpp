@@ -75,6 +75,7 @@ TEST(PlatformThread, JoinWaitsForTheEndAndClosesTheHandle) {
   Delegate delegate([&] { release.Lock(); });
   void* handle = nullptr;
   ASSERT_TRUE(PlatformThread::Create(0, &delegate, &handle));
+  const DWORD id = GetThreadId(handle);
   CState joined;
   std::jthread joiner([&] {
     PlatformThread::Join(handle);
@@ -84,7 +85,7 @@ TEST(PlatformThread, JoinWaitsForTheEndAndClosesTheHandle) {
   release.Signal();
   joiner.join();
   EXPECT_NE(delegate.ran.IsSignaled(), 0);
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
 }
 
 TEST(PlatformThread, DoesNotOwnTheDelegate) {

@@ -127,7 +127,7 @@ TEST(CRefThread, ReleasedByItsCreatorWhileItRunsIsDeletedByItsOwnThreadAtTheEnd)
   EXPECT_EQ(ExitCodeOf(second), 0x89ABCDEFul);
   EXPECT_EQ(fate.destructions.Get(), 1);
   EXPECT_EQ(fate.destroyedOn, id);
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
 }
 
 TEST(CRefThread, OutlivesItsThreadUntilTheLastUserReleasesIt) {
@@ -166,9 +166,10 @@ TEST(CRefThread, ItsDestructorClosesTheHandleAndDoesNotWaitForTheThread) {
   begun.Lock();
   const HANDLE handle = HandleIn(static_cast<CThread&>(*thread));
   const UniqueHandle second = DuplicateOf(HandleIn(static_cast<CThread&>(*thread)));
+  const DWORD id = GetThreadId(handle);
   thread->AddRef();  // the thread's own release must not delete what is destroyed here
   thread->~Held();
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
   EXPECT_EQ(WaitForSingleObject(second.get(), 0), WAIT_TIMEOUT);
   release.Signal();
   ExitCodeOf(second);

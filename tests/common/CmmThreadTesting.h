@@ -55,6 +55,12 @@ inline bool IsOpen(HANDLE handle) {
   return GetHandleInformation(handle, &flags) != 0;
 }
 
+// Whether the handle still stands for the thread of that id. Its value alone would not tell: the process
+// gives the value of a closed handle to the next object that any of its threads opens.
+inline bool IsHandleOfThread(HANDLE handle, DWORD id) {
+  return GetThreadId(handle) == id;
+}
+
 // An object as it is when the system gave it no event: T holds the event's handle and nothing else.
 template <typename T>
 class WithoutEvent {

@@ -147,6 +147,7 @@ TEST(CThread, JoinWaitsForTheEndAndForgetsTheThread) {
   CThread thread;
   thread.Create(held.Get());
   const HANDLE handle = HandleIn(thread);
+  const DWORD id = GetThreadId(handle);
   CState joined;
   std::jthread joiner([&] {
     thread.Join();
@@ -155,7 +156,7 @@ TEST(CThread, JoinWaitsForTheEndAndForgetsTheThread) {
   EXPECT_EQ(joined.Lock(kStaysBlockedMs), SYNC_TIMEOUT);
   held.Release();
   joiner.join();
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
   EXPECT_EQ(HandleIn(thread), nullptr);
   EXPECT_EQ(thread.IsValid(), 0);
   EXPECT_FALSE(thread.IsRunning());
@@ -206,7 +207,7 @@ TEST(CThread, AfterDetachTheOldIdIsStillReportedAndItDoesNotCountAsRunning) {
   const HANDLE handle = HandleIn(thread);
   const UniqueHandle second = DuplicateOf(handle);
   thread.Detach();
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
   EXPECT_EQ(HandleIn(thread), nullptr);
   EXPECT_EQ(thread.IsValid(), id);
   EXPECT_FALSE(thread.IsRunning());
@@ -227,7 +228,7 @@ TEST(CThread, KillEndsTheThreadWithExitCodeZeroAndForgetsIt) {
   thread.Kill();
   EXPECT_EQ(ExitCodeOf(second), 0ul);
   EXPECT_FALSE(held.PassesWithin(0));
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
   EXPECT_EQ(HandleIn(thread), nullptr);
   EXPECT_EQ(thread.IsValid(), 0);
   thread.Kill();
@@ -269,7 +270,7 @@ TEST(CThread, ItsEndNeitherWaitsForTheThreadNorKillsIt) {
   const HANDLE handle = HandleIn(*thread);
   const UniqueHandle second = DuplicateOf(HandleIn(*thread));
   thread.reset();
-  EXPECT_FALSE(IsOpen(handle));
+  EXPECT_FALSE(IsHandleOfThread(handle, id));
   EXPECT_EQ(WaitForSingleObject(second.get(), 0), WAIT_TIMEOUT);
   held.Release();
   EXPECT_EQ(ExitCodeOf(second), 7ul);
