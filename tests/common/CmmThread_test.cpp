@@ -224,6 +224,7 @@ TEST(CThread, KillEndsTheThreadWithExitCodeZeroAndForgetsIt) {
   thread.Create(held.Get());
   held.AwaitBegin();
   const HANDLE handle = HandleIn(thread);
+  const DWORD id = GetThreadId(handle);
   const UniqueHandle second = DuplicateOf(HandleIn(thread));
   thread.Kill();
   EXPECT_EQ(ExitCodeOf(second), 0ul);
@@ -268,6 +269,7 @@ TEST(CThread, ItsEndNeitherWaitsForTheThreadNorKillsIt) {
   thread->Create(held.Get());
   held.AwaitBegin();
   const HANDLE handle = HandleIn(*thread);
+  const DWORD id = GetThreadId(handle);
   const UniqueHandle second = DuplicateOf(HandleIn(*thread));
   thread.reset();
   EXPECT_FALSE(IsHandleOfThread(handle, id));
