@@ -117,7 +117,7 @@ void StopMessageThread() {
     if (!record.thread || !GetExitCodeThread(record.thread, &exitCode) || exitCode != STILL_ACTIVE) break;
     Sleep(kPauseMs);
   }
-  record = MessageThreadRecord();  // the handle stays open, as callers of old may still wait on it
+  record = MessageThreadRecord();  // nobody waits for the thread, and its handle stays open
 }
 
 }  // namespace Velm3rdSDK
