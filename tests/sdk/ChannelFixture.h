@@ -92,18 +92,18 @@ class FakeServiceModeClient : public IClient3rdSDKIPCClient {
   Calls& m_calls;
 };
 
-// Opens the pipe route with stand-ins while it lives.
+// Puts stand-ins in the place of the pipe route's clients while it lives.
 class FakeIpcRoute : public IpcClientFactory {
  public:
   FakeIpcRoute() { SetIpcClientFactory(this); }
   ~FakeIpcRoute() override { SetIpcClientFactory(nullptr); }
-  std::unique_ptr<IAudioSDKIPCClient> MakeAudioClient() override {
-    auto client = std::make_unique<FakeAudioClient>(audioCalls);
+  std::shared_ptr<IAudioSDKIPCClient> MakeAudioClient() override {
+    auto client = std::make_shared<FakeAudioClient>(audioCalls);
     audio = client.get();
     return client;
   }
-  std::unique_ptr<IClient3rdSDKIPCClient> MakeServiceModeClient() override {
-    auto client = std::make_unique<FakeServiceModeClient>(serviceCalls);
+  std::shared_ptr<IClient3rdSDKIPCClient> MakeServiceModeClient() override {
+    auto client = std::make_shared<FakeServiceModeClient>(serviceCalls);
     serviceMode = client.get();
     return client;
   }
