@@ -58,18 +58,17 @@ bool PipePeer::Write(std::string_view bytes, DWORD timeoutMs) {
 }
 
 std::string PipePeer::Read(size_t size, DWORD timeoutMs) {
-  std::string bytes(size, '\0');
-  size_t total = 0;
-  while (total < size) {
+  char chunk[65536];
+  while (m_readAhead.size() < size) {
     OVERLAPPED operation = {};
     operation.hEvent = m_event.get();
-    const bool begun =
-        ReadFile(m_pipe.get(), bytes.data() + total, static_cast<DWORD>(size - total), nullptr, &operation);
+    const bool begun = ReadFile(m_pipe.get(), chunk, sizeof(chunk), nullptr, &operation);
     const auto moved = Finish(begun, operation, timeoutMs);
     if (!moved || *moved == 0) break;
-    total += *moved;
+    m_readAhead.append(chunk, *moved);
   }
-  bytes.resize(total);
+  const std::string bytes = m_readAhead.substr(0, size);
+  m_readAhead.erase(0, size);
   return bytes;
 }
 

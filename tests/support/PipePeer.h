@@ -57,6 +57,7 @@ class PipePeer {
 
   Cmm::UniqueFileHandle m_pipe;
   Cmm::UniqueHandle m_event;
+  std::string m_readAhead;
 };
 
 }  // namespace velm_test
