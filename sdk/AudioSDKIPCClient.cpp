@@ -139,7 +139,7 @@ void CAudioSDKIPCClient::HandleSubChannelRemove(const Cmm::CmmMQ_Msg& msg) {
   SDK_LOG(kLogInfo) << L"[CAudioSDKIPCClient::HandleSubChannelRemove] uChannelID=" << message.Get_ChannelId();
 }
 
-// A message that does not parse is delivered with what its fields hold then: 0 and no text.
+// A message that does not parse is delivered all the same, with what its fields hold then.
 void CAudioSDKIPCClient::HandleAudioCmdNotify(const Cmm::CmmMQ_Msg& msg) {
   CQXMBMessage_Audio3rdSDK_AudioCmdNotify message;
   message.ParseMsg(&msg);

@@ -49,7 +49,7 @@ void CClient3rdSDKIPCClient::HandleMessage(const Cmm::CmmMQ_Msg& msg, int type) 
     SDK_LOG(kLogInfo) << L"[CClient3rdSDKIPCClient::ProcessMessage] Received Unknown message:" << type;
 }
 
-// A message that does not parse is delivered with what its fields hold then: 0 and no text.
+// A message that does not parse is delivered all the same, with what its fields hold then.
 void CClient3rdSDKIPCClient::HandleClient3rdSDKCmdNotify(const Cmm::CmmMQ_Msg& msg) {
   CQXMBMessage_Client3rdSDK_SDKCmdNotify message;
   message.ParseMsg(&msg);

@@ -33,8 +33,8 @@ struct SdkMsgChannelTestAccess {
   uint32_t& AudioIPC() { return channel.m_bAudioIPC; }
   uint32_t& ServiceModeIPC() { return channel.m_b3rdSDKIPC; }
   uint32_t& RequestServiceMode() { return channel.m_bRequestServiceMode; }
-  std::unique_ptr<IAudioSDKIPCClient>& AudioClient() { return channel.m_pIPCClient; }
-  std::unique_ptr<IClient3rdSDKIPCClient>& ServiceModeClient() { return channel.m_p3rdSDKIPCClient; }
+  std::shared_ptr<IAudioSDKIPCClient>& AudioClient() { return channel.m_pIPCClient; }
+  std::shared_ptr<IClient3rdSDKIPCClient>& ServiceModeClient() { return channel.m_p3rdSDKIPCClient; }
   size_t DeviceNames() const { return channel.m_deviceNames.size(); }
   size_t DeviceGUIDs() const { return channel.m_deviceGUIDs.size(); }
 };
