@@ -157,7 +157,9 @@ class CMM_EXPORT Time {
 
   // ---- The resolution of the system's timers ---------------------------------------------------------
 
-  static void EnableHighResolutionTimer(bool enable);  // permits the next call, and changes nothing else
+  // Permits ActivateHighResolutionTimer, or forbids it, and changes nothing else. It is for one thread: that
+  // of the first call is noted, and a build with invariant checks reports a call from any other.
+  static void EnableHighResolutionTimer(bool enable);
   // Begins or ends a period with timers of one millisecond, for the whole system. False when that is not
   // permitted or did not work. Each beginning that worked needs its end.
   static bool ActivateHighResolutionTimer(bool activate);
