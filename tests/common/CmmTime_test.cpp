@@ -334,6 +334,12 @@ TEST_F(CTimeInNewYork, TakesLocalFieldsAndTheWordOnSummerTime) {
   EXPECT_EQ(CTime(systemTime, kLocal, 0).GetTime(), kNoon + 3600);
 }
 
+// Where it is 1970 in UTC already.
+TEST_F(CTimeInNewYork, TheLastHoursOf1969AreInvalidAllTheSame) {
+  EXPECT_EQ(CTime(1970, 1, 1, 0, 0, 0, -1, kLocal).GetTime(), 5 * 3600);
+  EXPECT_FALSE(CTime(1969, 12, 31, 20, 0, 0, -1, kLocal).IsValid());
+}
+
 TEST_F(CTimeInNewYork, TakesEveryNonZeroWordForLocal) {
   EXPECT_EQ(CTime(2021, 7, 4, 8, 0, 0, -1, 256).GetTime(), kNoon);
 }
