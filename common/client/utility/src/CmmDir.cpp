@@ -35,9 +35,11 @@ void SearchLevel(const wchar_t* path, int depth, int* stop, FsSearchCallback cal
   const UniqueFindHandle closed(dir.handle);
   while (dir.item.cFileName[0] != L'\0') {
     callback(&dir, depth, stop, context);
-    if (!*stop && IsDirectoryToEnter(dir.item))
-      SearchLevel(dir.item.cFileName, depth + 1, stop, callback, context);
     if (*stop) return;
+    if (IsDirectoryToEnter(dir.item)) {
+      SearchLevel(dir.item.cFileName, depth + 1, stop, callback, context);
+      if (*stop) return;
+    }
     if (!FindNextFileW(dir.handle, &dir.item)) dir.item.cFileName[0] = L'\0';
   }
 }
