@@ -48,9 +48,11 @@ class ScriptedSystem {
   // ---- What to answer
   bool pipeFails = false;
   bool portFails = false;
-  std::deque<Answer> awaitPeer;  // pending when empty
-  std::deque<Answer> reads;      // pending when empty
-  std::deque<Answer> writes;     // pending when empty
+  bool keepsCompletedAtOnce = false;    // operations that end at once do not go through the port
+  std::deque<Answer> awaitPeer;         // pending when empty
+  std::deque<Answer> reads;             // pending when empty
+  std::deque<std::string> dataOfReads;  // what reads that end at once have read
+  std::deque<Answer> writes;            // pending when empty
   std::deque<Completion> completions;
 
   // ---- What was asked for
@@ -94,6 +96,10 @@ class ScriptedSystem {
     SetLastError(answer.error);
     return answer;
   }
+  // Whether a completion is still to come through the port.
+  static bool PendsOn(const Answer& answer) {
+    return answer.result ? !s_current->keepsCompletedAtOnce : answer.error == ERROR_IO_PENDING;
+  }
   // A handle that can be closed.
   static HANDLE AnyHandle() { return CreateEventW(nullptr, TRUE, FALSE, nullptr); }
 
@@ -127,10 +133,15 @@ class ScriptedSystem {
     if (answer.error == ERROR_IO_PENDING) s_current->m_reading = operation;
     return answer.result;
   }
-  static BOOL WINAPI Read(HANDLE, void* buffer, DWORD size, DWORD*, OVERLAPPED* operation) {
+  static BOOL WINAPI Read(HANDLE, void* buffer, DWORD size, DWORD* moved, OVERLAPPED* operation) {
     s_current->calls.push_back("read " + std::to_string(size));
     const Answer answer = Next(s_current->reads);
-    if (answer.result || answer.error == ERROR_IO_PENDING) {
+    if (answer.result && !s_current->dataOfReads.empty()) {
+      std::memcpy(buffer, s_current->dataOfReads.front().data(), answer.moved);
+      s_current->dataOfReads.pop_front();
+    }
+    *moved = answer.moved;
+    if (PendsOn(answer)) {
       s_current->m_readBuffer = buffer;
       s_current->m_reading = operation;
     }
@@ -141,7 +152,7 @@ class ScriptedSystem {
     if (data) s_current->written.emplace_back(static_cast<const char*>(data), size);
     const Answer answer = Next(s_current->writes);
     *moved = answer.moved;
-    if (answer.result || answer.error == ERROR_IO_PENDING) s_current->m_writing = operation;
+    if (PendsOn(answer)) s_current->m_writing = operation;
     return answer.result;
   }
   static BOOL WINAPI Cancel(HANDLE) {
@@ -157,6 +168,10 @@ class ScriptedSystem {
     if (pipe == INVALID_HANDLE_VALUE) return s_current->portFails ? nullptr : AnyHandle();
     s_current->m_key = key;
     return port;
+  }
+  static BOOL WINAPI SetNotificationModes(HANDLE, UCHAR modes) {
+    EXPECT_EQ(modes, FILE_SKIP_COMPLETION_PORT_ON_SUCCESS);
+    return s_current->keepsCompletedAtOnce;
   }
   static BOOL WINAPI NextCompletion(HANDLE, DWORD* bytes, ULONG_PTR* key, OVERLAPPED** operation,
                                     DWORD timeout) {
@@ -181,8 +196,8 @@ class ScriptedSystem {
   }
 
   static inline ScriptedSystem* s_current = nullptr;
-  const PipeApi m_api = {CreatePipe, OpenPipe,   AwaitPeer,      Read,          Write,
-                         Cancel,     CreatePort, NextCompletion, PostCompletion};
+  const PipeApi m_api = {CreatePipe,           OpenPipe,       AwaitPeer,     Read, Write, Cancel, CreatePort,
+                         SetNotificationModes, NextCompletion, PostCompletion};
   ULONG_PTR m_key = 0;
   OVERLAPPED* m_reading = nullptr;
   OVERLAPPED* m_writing = nullptr;
@@ -644,6 +659,66 @@ TEST_F(ChannelStateTest, WithoutAPortNothingIsBegunAndTheErrorIsToldOnce) {
   EXPECT_THAT(system.calls, IsEmpty());
   EXPECT_EQ(listener.errors, 1);
   EXPECT_FALSE(impl->IsGood());
+}
+
+// ---- Operations that end at once
+
+class CompletesAtOnceTest : public ChannelStateTest {
+ protected:
+  CompletesAtOnceTest() { system.keepsCompletedAtOnce = true; }
+};
+
+TEST_F(CompletesAtOnceTest, AWriteThatEndsAtOnceIsCompletedByTheNextWaitAndNotBefore) {
+  const auto impl = ConnectedClient();
+  system.writes.push_back({TRUE, ERROR_SUCCESS, 9});
+  impl->Send(std::unique_ptr<Cmm::CmmMQ_Msg>(NewMessage(9, "a")));
+  impl->Send(std::unique_ptr<Cmm::CmmMQ_Msg>(NewMessage(9, "b")));
+  EXPECT_EQ(CountedMessage::living, 2);
+  EXPECT_THAT(system.written, ElementsAre(FrameOf(9, "a")));
+  impl->WaitForIOCompletion(-1);
+  EXPECT_EQ(CountedMessage::living, 1);
+  EXPECT_THAT(system.written, ElementsAre(FrameOf(9, "a"), FrameOf(9, "b")));
+}
+
+TEST_F(CompletesAtOnceTest, AReadThatEndsAtOnceIsDispatchedByTheNextWait) {
+  const auto impl = ConnectedClient();
+  system.CompleteRead(FrameOf(4, "first"));
+  system.reads.push_back({TRUE, ERROR_SUCCESS, static_cast<DWORD>(FrameOf(5, "second").size())});
+  system.dataOfReads.push_back(FrameOf(5, "second"));
+  impl->WaitForIOCompletion(0);
+  EXPECT_EQ(listener.Messages().size(), 1u);
+  impl->WaitForIOCompletion(-1);
+  EXPECT_EQ(listener.Messages().back(), (ReceivedMessage{5, "second"}));
+}
+
+TEST_F(CompletesAtOnceTest, AReadIsDispatchedThoughEveryWriteEndsAtOnce) {
+  const auto impl = ConnectedClient();
+  constexpr int kMessages = 100;
+  for (int i = 0; i < kMessages; ++i) {
+    system.writes.push_back({TRUE, ERROR_SUCCESS, 9});
+    impl->Send(std::unique_ptr<Cmm::CmmMQ_Msg>(NewMessage(9, "w")));
+  }
+  system.CompleteRead(FrameOf(4, "answer"));
+  int waits = 0;
+  while (listener.Messages().empty() && waits < kMessages) {
+    impl->WaitForIOCompletion(-1);
+    ++waits;
+  }
+  EXPECT_LT(waits, 20);
+  while (CountedMessage::living > 0 && waits < 2 * kMessages) {
+    impl->WaitForIOCompletion(-1);
+    ++waits;
+  }
+  EXPECT_EQ(waits, kMessages + 1);
+}
+
+TEST_F(CompletesAtOnceTest, CloseTakesWhatEndedAtOnceToo) {
+  const auto impl = ConnectedClient();
+  system.writes.push_back({TRUE, ERROR_SUCCESS, 9});
+  impl->Send(std::unique_ptr<Cmm::CmmMQ_Msg>(NewMessage(9, "a")));
+  impl->Close();
+  EXPECT_FALSE(Access::IsWriting(*impl));
+  EXPECT_EQ(CountedMessage::living, 0);
 }
 
 // ---- Closing

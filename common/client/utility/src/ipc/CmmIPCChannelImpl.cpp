@@ -18,6 +18,8 @@ constexpr DWORD kPipeTimeoutMs = 5000;
 
 constexpr int kAnnouncement = 1;  // the type of QXIPCMessage_Connect
 
+constexpr int kMostInARow = 16;  // completions that the system is not asked for
+
 constexpr DWORD kWakeUpBytes = 4;
 constexpr uint64_t kWakeUpMarker = 0xBADFEED1;
 
@@ -32,7 +34,33 @@ bool IsWakeUp(const Completion& completion) {
 
 }  // namespace
 
+void CompletionPort::Associate(HANDLE pipe, ULONG_PTR key) {
+  m_key = key;
+  m_api.createPort(pipe, Get(), key, 1);
+  m_keepsCompletedAtOnce = m_api.setNotificationModes(pipe, FILE_SKIP_COMPLETION_PORT_ON_SUCCESS) != FALSE;
+}
+
+void CompletionPort::CompletedAtOnce(OVERLAPPED* operation, DWORD bytes) {
+  if (m_keepsCompletedAtOnce) m_completedAtOnce.push_back({Get(), bytes, m_key, operation, ERROR_SUCCESS});
+}
+
 bool CompletionPort::Wait(int timeout_ms, Completion& completion) {
+  if (m_completedAtOnce.empty()) return WaitForSystem(timeout_ms, completion);
+  return TakeCompletedAtOnce(completion) || WaitForSystem(0, completion) || TakeCompletedAtOnce(completion);
+}
+
+// Not too many in a row, so that a pipe that takes every write at once is still read.
+bool CompletionPort::TakeCompletedAtOnce(Completion& completion) {
+  if (++m_takenInARow > kMostInARow) {
+    m_takenInARow = 0;
+    return false;
+  }
+  completion = m_completedAtOnce.front();
+  m_completedAtOnce.pop_front();
+  return true;
+}
+
+bool CompletionPort::WaitForSystem(int timeout_ms, Completion& completion) {
   completion = {};
   completion.port = Get();
   if (m_api.nextCompletion(Get(), &completion.bytes, &completion.key, &completion.overlapped,
@@ -114,7 +142,7 @@ void Channel::ChannelImpl::QueueAnnouncement() {
 
 bool Channel::ChannelImpl::Connect() {
   if (!pipe_) return false;
-  api_.createPort(pipe_.get(), port_.Get(), reinterpret_cast<ULONG_PTR>(this), 1);
+  port_.Associate(pipe_.get(), reinterpret_cast<ULONG_PTR>(this));
   if (waiting_connect_) ProcessConnection();
   // Starts the first read; a server that found its peer there ends its waiting by it.
   if (!input_state_.is_pending) OnIOCompleted(&input_state_.context, 0, 0);
@@ -219,9 +247,11 @@ bool Channel::ChannelImpl::ProcessIncomingMessages(IOContext* context, DWORD byt
 // The port reports a completion when the call succeeds at once as well.
 bool Channel::ChannelImpl::StartRead() {
   if (!CanStartIO()) return false;
-  DWORD ignored = 0;
-  if (!api_.read(pipe_.get(), input_buf_, kReadBufferSize, &ignored, &input_state_.context.overlapped) &&
-      GetLastError() != ERROR_IO_PENDING)
+  OVERLAPPED* const operation = &input_state_.context.overlapped;
+  DWORD moved = 0;
+  if (api_.read(pipe_.get(), input_buf_, kReadBufferSize, &moved, operation))
+    port_.CompletedAtOnce(operation, moved);
+  else if (GetLastError() != ERROR_IO_PENDING)
     return false;
   input_state_.is_pending = true;
   return true;
@@ -260,12 +290,15 @@ bool Channel::ChannelImpl::FinishWrite(IOContext* context, DWORD bytes_written) 
 bool Channel::ChannelImpl::StartWrite() {
   if (!CanStartIO()) return false;
   auto& msg = static_cast<Cmm::CmmInternelMsg&>(*output_queue_.front());
+  OVERLAPPED* const operation = &output_state_.context.overlapped;
   const DWORD size = msg.GetToWrite();
   DWORD written = 0;
-  if (!api_.write(pipe_.get(), msg.GetWritePos(), size, &written, &output_state_.context.overlapped)) {
-    if (GetLastError() != ERROR_IO_PENDING) return false;
+  if (api_.write(pipe_.get(), msg.GetWritePos(), size, &written, operation))
+    port_.CompletedAtOnce(operation, written);
+  else if (GetLastError() == ERROR_IO_PENDING)
     written = size;
-  }
+  else
+    return false;
   msg.SetWritten(written);
   output_state_.is_pending = true;
   return true;

@@ -42,20 +42,33 @@ struct Completion {
   DWORD error = ERROR_SUCCESS;
 };
 
-// The completion port: one concurrent thread.
+// The completion port of one pipe: one concurrent thread. Operations that the system ends at once do not go
+// through the system's queue, where that can be had: their completions wait here, and the next Wait gives
+// them without a call to the system.
 class CompletionPort {
  public:
   explicit CompletionPort(const PipeApi& api) : m_api(api) {}
 
   void Create() { m_port.reset(m_api.createPort(INVALID_HANDLE_VALUE, nullptr, 0, 1)); }
   HANDLE Get() const { return m_port.get(); }
+  void Associate(HANDLE pipe, ULONG_PTR key);
+  // To be told of each operation that ended in the call that began it.
+  void CompletedAtOnce(OVERLAPPED* operation, DWORD bytes);
   // False when nothing came in time; a failed operation counts as one that moved no bytes.
   bool Wait(int timeout_ms, Completion& completion);
+  // Any thread.
   bool Post(DWORD bytes, ULONG_PTR key, const void* overlapped);
 
  private:
+  bool TakeCompletedAtOnce(Completion& completion);
+  bool WaitForSystem(int timeout_ms, Completion& completion);
+
   const PipeApi& m_api;
   Cmm::UniqueHandle m_port;
+  ULONG_PTR m_key = 0;
+  bool m_keepsCompletedAtOnce = false;
+  std::deque<Completion> m_completedAtOnce;  // a read and a write at most
+  int m_takenInARow = 0;
 };
 
 class Channel::ChannelImpl : public IOHandler, private Cmm::FrameSink {

@@ -15,6 +15,7 @@ struct PipeApi {
   decltype(&WriteFile) write = WriteFile;
   decltype(&CancelIo) cancel = CancelIo;
   decltype(&CreateIoCompletionPort) createPort = CreateIoCompletionPort;
+  decltype(&SetFileCompletionNotificationModes) setNotificationModes = SetFileCompletionNotificationModes;
   decltype(&GetQueuedCompletionStatus) nextCompletion = GetQueuedCompletionStatus;
   decltype(&PostQueuedCompletionStatus) postCompletion = PostQueuedCompletionStatus;
 };
