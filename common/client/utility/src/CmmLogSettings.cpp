@@ -1,0 +1,29 @@
+#include "common/client/utility/src/CmmLogSettings.h"
+
+#include <new>
+
+namespace logging::internal {
+namespace {
+
+// Gives back what the settings hold, and leaves them usable.
+struct AtUnload {
+  LogSettings& settings;
+  ~AtUnload() {
+    settings.log_handle.reset();
+    settings.log_path.reset();
+    settings.log_dir.reset();
+    settings.log_base.reset();
+    settings.memory.Take();
+  }
+};
+
+}  // namespace
+
+LogSettings& Settings() {
+  alignas(LogSettings) static unsigned char storage[sizeof(LogSettings)];
+  static LogSettings* const settings = new (storage) LogSettings;
+  static const AtUnload atUnload{*settings};
+  return *settings;
+}
+
+}  // namespace logging::internal
