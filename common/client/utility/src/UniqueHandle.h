@@ -58,6 +58,12 @@ struct FileHandleTraits {
   static void Release(Type value) { CloseHandle(value); }
 };
 
+struct FindHandleTraits {
+  using Type = HANDLE;
+  static Type Empty() { return INVALID_HANDLE_VALUE; }
+  static void Release(Type value) { FindClose(value); }
+};
+
 struct ModuleTraits {
   using Type = HMODULE;
   static Type Empty() { return nullptr; }
@@ -91,6 +97,7 @@ struct ProcessHeapTraits {
 using UniqueHandle = UniqueResource<KernelHandleTraits>;  // events, threads, tokens, mappings: null is empty
 using UniqueFileHandle =
     UniqueResource<FileHandleTraits>;  // CreateFile and kin: INVALID_HANDLE_VALUE is empty
+using UniqueFindHandle = UniqueResource<FindHandleTraits>;  // FindFirstFile: INVALID_HANDLE_VALUE is empty
 using UniqueModule = UniqueResource<ModuleTraits>;
 using UniqueRegistryKey = UniqueResource<RegistryKeyTraits>;
 using UniqueLocalMemory = UniqueResource<LocalMemoryTraits>;

@@ -1,0 +1,176 @@
+#include "common/client/utility/src/CmmDirTree.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "common/client/utility/src/UniqueHandle.h"
+#include "gtest/gtest.h"
+#include "tests/support/DirectoryLink.h"
+#include "tests/support/ScratchDirectory.h"
+
+namespace {
+
+using velm_test::DirectoryLink;
+using velm_test::ScratchDirectory;
+using velm_test::SystemRemovesDirectoryLinks;
+
+bool IsDirectory(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+}
+
+bool Exists(const std::wstring& path) {
+  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+Cmm::UniqueFileHandle OpenExclusively(const std::wstring& path) {
+  return Cmm::UniqueFileHandle(
+      CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
+TEST(FsMkdirs, CreatesEveryMissingDirectory) {
+  const ScratchDirectory scratch;
+  const std::wstring base = scratch.Path().wstring();
+  cmm_fs_mkdirs((base + L"\\a\\b/c").c_str());
+  EXPECT_TRUE(IsDirectory(base + L"\\a\\b\\c"));
+  cmm_fs_mkdirs((base + L"\\a\\b\\\x4F1A\x8BAE\\").c_str());
+  EXPECT_TRUE(IsDirectory(base + L"\\a\\b\\\x4F1A\x8BAE"));
+  cmm_fs_mkdirs((base + L"\\\\x//y").c_str());
+  EXPECT_TRUE(IsDirectory(base + L"\\x\\y"));
+}
+
+TEST(FsMkdirs, AnExistingDirectoryStays) {
+  const ScratchDirectory scratch;
+  scratch.MakeFile(L"a\\b\\file", "content");
+  cmm_fs_mkdirs((scratch.Path() / L"a\\b").c_str());
+  EXPECT_EQ(std::filesystem::file_size(scratch.Path() / L"a\\b\\file"), 7u);
+}
+
+TEST(FsMkdirs, AFileInTheWayStopsNothingAndStays) {
+  const ScratchDirectory scratch;
+  scratch.MakeFile(L"a");
+  cmm_fs_mkdirs((scratch.Path() / L"a\\b").c_str());
+  EXPECT_FALSE(IsDirectory(scratch.Path() / L"a"));
+}
+
+TEST(FsMkdirs, NullAndEmptyDoNothing) {
+  SetLastError(4711);
+  cmm_fs_mkdirs(nullptr);
+  cmm_fs_mkdirs(L"");
+  EXPECT_EQ(GetLastError(), 4711u);
+}
+
+TEST(FsMkdirs, ALoneSeparatorIsSafe) {
+  cmm_fs_mkdirs(L"\\");
+  cmm_fs_mkdirs(L"C:\\");
+  EXPECT_TRUE(IsDirectory(L"C:\\"));
+}
+
+TEST(FsRmdirs, RemovesTheTree) {
+  const ScratchDirectory scratch;
+  scratch.MakeFile(L"t\\a\\b\\c.txt");
+  scratch.MakeFile(L"t\\a\\\x4F1A\x8BAE.txt");
+  scratch.MakeFile(L"t\\..a");
+  scratch.MakeDirectory(L"t\\...b");
+  scratch.MakeDirectory(L"t\\empty");
+  const std::wstring path = (scratch.Path() / L"t").wstring();
+  EXPECT_NE(cmm_fs_rmdirs(path.c_str()), 0);
+  EXPECT_FALSE(Exists(path));
+  EXPECT_TRUE(Exists(scratch.Path()));
+}
+
+TEST(FsRmdirs, ASeparatorAtTheEndMakesNoDifference) {
+  const ScratchDirectory scratch;
+  for (const wchar_t* end : {L"\\", L"/"}) {
+    scratch.MakeFile(L"t\\a");
+    EXPECT_NE(cmm_fs_rmdirs((scratch.Path().wstring() + L"\\t" + end).c_str()), 0);
+    EXPECT_FALSE(Exists(scratch.Path() / L"t"));
+  }
+}
+
+TEST(FsRmdirs, WhatDoesNotExistCountsAsRemoved) {
+  const ScratchDirectory scratch;
+  EXPECT_EQ(cmm_fs_rmdirs((scratch.Path() / L"missing").c_str()), 1);
+  EXPECT_EQ(cmm_fs_rmdirs((scratch.Path() / L"missing\\below").c_str()), 1);
+}
+
+TEST(FsRmdirs, NullAndEmptyGiveZeroAndError87) {
+  SetLastError(0);
+  EXPECT_EQ(cmm_fs_rmdirs(nullptr), 0);
+  EXPECT_EQ(GetLastError(), 87u);
+  SetLastError(0);
+  EXPECT_EQ(cmm_fs_rmdirs(L""), 0);
+  EXPECT_EQ(GetLastError(), 87u);
+}
+
+TEST(FsRmdirs, AFileIsNotRemoved) {
+  const ScratchDirectory scratch;
+  const std::wstring path = scratch.MakeFile(L"a");
+  EXPECT_EQ(cmm_fs_rmdirs(path.c_str()), 0);
+  EXPECT_TRUE(Exists(path));
+}
+
+TEST(FsRmdirs, RemovesATreeUpToTheLimitOfDirectoryPaths) {
+  const ScratchDirectory scratch;
+  const std::filesystem::path top = scratch.MakeDirectory(L"t");
+  constexpr size_t kLongestDirectory = 247;
+  velm_test::MakeDirectoryOfLength(top, kLongestDirectory);
+  EXPECT_NE(cmm_fs_rmdirs(top.c_str()), 0);
+  EXPECT_FALSE(Exists(top));
+}
+
+TEST(FsRmdirs, ALinkToADirectoryIsNotEntered) {
+  const ScratchDirectory scratch;
+  const std::wstring kept = scratch.MakeFile(L"target\\kept");
+  const DirectoryLink link(scratch.Path() / L"link", scratch.Path() / L"target");
+  if (!link.Exists()) GTEST_SKIP() << "no links to directories here";
+  cmm_fs_rmdirs(link.Path().c_str());
+  EXPECT_TRUE(Exists(kept));
+}
+
+TEST(FsRmdirs, ALinkWithinTheTreeIsNotEntered) {
+  const ScratchDirectory scratch;
+  const std::wstring kept = scratch.MakeFile(L"target\\kept");
+  scratch.MakeFile(L"tree\\a\\gone");
+  const DirectoryLink link(scratch.Path() / L"tree\\a\\link", scratch.Path() / L"target");
+  if (!link.Exists()) GTEST_SKIP() << "no links to directories here";
+  cmm_fs_rmdirs((scratch.Path() / L"tree").c_str());
+  EXPECT_TRUE(Exists(kept));
+  EXPECT_FALSE(Exists(scratch.Path() / L"tree\\a\\gone"));
+}
+
+TEST(FsRmdirs, LinksToDirectoriesAreRemoved) {
+  const ScratchDirectory scratch;
+  if (!SystemRemovesDirectoryLinks(scratch.Path())) GTEST_SKIP() << "RemoveDirectoryW refuses links here";
+  scratch.MakeDirectory(L"target");
+  scratch.MakeDirectory(L"tree\\a");
+  const DirectoryLink link(scratch.Path() / L"link", scratch.Path() / L"target");
+  const DirectoryLink inner(scratch.Path() / L"tree\\a\\link", scratch.Path() / L"target");
+  EXPECT_NE(cmm_fs_rmdirs(link.Path().c_str()), 0);
+  EXPECT_FALSE(link.Exists());
+  EXPECT_NE(cmm_fs_rmdirs((scratch.Path() / L"tree").c_str()), 0);
+  EXPECT_FALSE(Exists(scratch.Path() / L"tree"));
+}
+
+TEST(FsRmdirs, AFileThatIsHeldOpenStaysAndMakesItFailButTheRestGoes) {
+  const ScratchDirectory scratch;
+  const std::wstring held = scratch.MakeFile(L"t\\a\\held");
+  scratch.MakeFile(L"t\\a\\other");
+  scratch.MakeFile(L"t\\b\\other");
+  const std::wstring path = (scratch.Path() / L"t").wstring();
+  {
+    const Cmm::UniqueFileHandle open = OpenExclusively(held);
+    ASSERT_TRUE(open);
+    EXPECT_EQ(cmm_fs_rmdirs(path.c_str()), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DIR_NOT_EMPTY));
+    EXPECT_TRUE(Exists(held));
+    EXPECT_FALSE(Exists(path + L"\\a\\other"));
+    EXPECT_FALSE(Exists(path + L"\\b"));
+  }
+  EXPECT_NE(cmm_fs_rmdirs(path.c_str()), 0);
+}
+
+}  // namespace
