@@ -86,8 +86,8 @@ void ReadLogIndex(LogSettings& settings) {
   const std::wstring path = LogIndexFilePath(*settings.log_dir, *settings.log_base);
   // Shared in every way: another process may be about to write it.
   const Cmm::UniqueFileHandle file(CreateFileW(path.c_str(), GENERIC_READ,
-                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                               nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   char content[kIndexFileLimit];
   DWORD length = 0;
   if (!file || !ReadFile(file.get(), content, sizeof content, &length, nullptr) || length == 0) return;
@@ -97,9 +97,8 @@ void ReadLogIndex(LogSettings& settings) {
 void WriteLogIndex(const LogSettings& settings) {
   const std::wstring path = LogIndexFilePath(*settings.log_dir, *settings.log_base);
   const std::string content = std::to_string(settings.file_index);
-  RunAs(settings.impersonate_pid, [&path, &content] {
-    return cmm_fs_write(path.c_str(), content.data(), content.size(), true);
-  });
+  RunAs(settings.impersonate_pid,
+        [&path, &content] { return cmm_fs_write(path.c_str(), content.data(), content.size(), true); });
 }
 
 }  // namespace logging::internal

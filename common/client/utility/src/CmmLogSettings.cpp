@@ -5,10 +5,11 @@
 namespace logging::internal {
 namespace {
 
-// Gives back what the settings hold, and leaves them usable.
+// Gives back what the settings hold, and leaves them usable: lines that come later have no file any more.
 struct AtUnload {
   LogSettings& settings;
   ~AtUnload() {
+    if (GoesToFile(settings.destination)) settings.destination = LOG_TO_DEBUG_OUTPUT;
     settings.log_handle.reset();
     settings.log_path.reset();
     settings.log_dir.reset();

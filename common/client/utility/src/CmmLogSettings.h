@@ -48,8 +48,8 @@ struct LogSettings {
   LogLock lock;
 };
 
-// The settings of this process. They outlive every static object, so that any destructor may log; the file
-// is closed when the library is unloaded.
+// The settings of this process. They outlive every static object, so that any destructor may log. The file is
+// closed when the library is unloaded; lines that come later go to the debugger.
 LogSettings& Settings();
 
 inline bool GoesToFile(LoggingDestination destination) {

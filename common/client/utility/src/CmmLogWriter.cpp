@@ -7,8 +7,8 @@ namespace logging::internal {
 namespace {
 
 void RotateIfFull(LogSettings& settings, size_t length) {
-  if (!settings.log_handle || !LineOverflowsFile(settings.current_size, static_cast<uint32_t>(length),
-                                                 settings.max_file_size))
+  if (!settings.log_handle ||
+      !LineOverflowsFile(settings.current_size, static_cast<uint32_t>(length), settings.max_file_size))
     return;
   settings.current_size = 0;
   settings.file_index = NextLogIndex(settings.file_index, settings.max_file_count);
