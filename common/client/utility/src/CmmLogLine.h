@@ -13,7 +13,7 @@
 namespace logging::internal {
 
 // The name of a severity in the line: "VERBOSE" and its value without the sign for a negative one, the
-// value alone for one above SEVERITY_FATAL.
+// value alone for one above LOG_FATAL.
 std::string SeverityName(int severity);
 
 // What follows the last backslash of `file`, or else the last slash. With neither, the first character is

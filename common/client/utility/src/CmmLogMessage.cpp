@@ -29,7 +29,7 @@ unsigned long LogMessage::SaveLastError::get_error() const {
   return last_error_;
 }
 
-LogMessage::LogMessage(const char* file, int line) : LogMessage(file, line, SEVERITY_INFO) {}
+LogMessage::LogMessage(const char* file, int line) : LogMessage(file, line, LOG_INFO) {}
 
 LogMessage::LogMessage(const char* file, int line, int severity)
     : severity_(severity), file_(file ? file : "UNKNOWN-FILE"), line_(line) {
@@ -39,7 +39,7 @@ LogMessage::LogMessage(const char* file, int line, int severity)
 LogMessage::LogMessage(const char* file, int line, int severity, int) : LogMessage(file, line, severity) {}
 
 LogMessage::LogMessage(const char* file, int line, const CheckOpString& result)
-    : LogMessage(file, line, SEVERITY_FATAL, result) {}
+    : LogMessage(file, line, LOG_FATAL, result) {}
 
 LogMessage::LogMessage(const char* file, int line, int severity, const CheckOpString& result)
     : LogMessage(file, line, severity) {
@@ -56,13 +56,13 @@ LogMessage::~LogMessage() {
 
   const bool toDebugOutput = internal::GoesToDebugOutput(settings.destination);
   if (toDebugOutput) OutputDebugStringA(text.c_str());
-  if (toDebugOutput || severity_ >= SEVERITY_ERROR) {
+  if (toDebugOutput || severity_ >= LOG_ERROR) {
     std::fwrite(text.data(), 1, text.size(), stderr);
     std::fflush(stderr);
   }
   internal::WriteLogLine(text);
 
-  if (severity_ != SEVERITY_ERROR_REPORT) return;
+  if (severity_ != LOG_ERROR_REPORT) return;
   if (settings.report_handler)
     settings.report_handler(text);
   else

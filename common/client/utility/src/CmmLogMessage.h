@@ -29,15 +29,15 @@ std::string* MakeCheckOpString(const First& first, const Second& second, const c
 
 // One line of the log:
 //
-//   logging::LogMessage(__FILE__, __LINE__, logging::SEVERITY_WARNING).stream() << "no answer after " << n;
+//   logging::LogMessage(__FILE__, __LINE__, logging::LOG_WARNING).stream() << "no answer after " << n;
 //   "[1234:5678:03-07/09:05:01.042:WARNING:channel.cc(77)] no answer after 3\n"
 //
 // The line goes on its way when the object ends, whatever its severity: a call site that filters asks
 // GetMinLogLevel() first. It leaves the thread's last error as it was, ends nothing and throws nothing.
 class CMM_EXPORT LogMessage {
  public:
-  // `file` is borrowed; null stands for "UNKNOWN-FILE". The severity is SEVERITY_INFO where none is given,
-  // and SEVERITY_FATAL for a failed check, whose text is put in front.
+  // `file` is borrowed; null stands for "UNKNOWN-FILE". The severity is LOG_INFO where none is given,
+  // and LOG_FATAL for a failed check, whose text is put in front.
   LogMessage(const char* file, int line);
   LogMessage(const char* file, int line, int severity);
   LogMessage(const char* file, int line, int severity, int ignored);

@@ -83,7 +83,7 @@ void CloseLogFile() {
 }
 
 void SetMinLogLevel(int level) {
-  Settings().min_log_level = std::min<int>(level, SEVERITY_ERROR_REPORT);
+  Settings().min_log_level = std::min<int>(level, LOG_ERROR_REPORT);
 }
 
 int GetMinLogLevel() {

@@ -13,14 +13,14 @@
 
 namespace logging {
 
-// Below SEVERITY_DEBUG lies verbose output: the further below, the more of it.
+// Below LOG_DEBUG lies verbose output: the further below, the more of it.
 enum LogSeverity : int {
-  SEVERITY_DEBUG = 0,
-  SEVERITY_INFO = 1,
-  SEVERITY_WARNING = 2,
-  SEVERITY_ERROR = 3,
-  SEVERITY_ERROR_REPORT = 4,  // the one that is also reported: SetLogReportHandler, SetShowErrorDialogs
-  SEVERITY_FATAL = 5,         // does not end the process
+  LOG_DEBUG = 0,
+  LOG_INFO = 1,
+  LOG_WARNING = 2,
+  LOG_ERROR = 3,
+  LOG_ERROR_REPORT = 4,  // the one that is also reported: SetLogReportHandler, SetShowErrorDialogs
+  LOG_FATAL = 5,         // does not end the process
 };
 
 enum LoggingDestination : int {
@@ -85,7 +85,7 @@ CMM_EXPORT int GetVlogLevelHelper(const char* file, size_t n);
 // Which items a line begins with; at first all but the tick count.
 CMM_EXPORT void SetLogItems(bool process_id, bool thread_id, bool timestamp, bool tickcount);
 
-// Whether a line of SEVERITY_ERROR_REPORT is shown in a dialog when there is no report handler; at first not.
+// Whether a line of LOG_ERROR_REPORT is shown in a dialog when there is no report handler; at first not.
 CMM_EXPORT void SetShowErrorDialogs(bool show);
 
 CMM_EXPORT void SetLogDestination(LoggingDestination dest);  // opens and closes nothing
@@ -94,7 +94,7 @@ CMM_EXPORT void SetLogDestination(LoggingDestination dest);  // opens and closes
 CMM_EXPORT void SetLogMessageHandler(LogMessageHandlerFunction handler);  // sees each line first
 CMM_EXPORT LogMessageHandlerFunction GetLogMessageHandler();
 CMM_EXPORT void SetLogAssertHandler(LogAssertHandlerFunction handler);  // stored, never called
-CMM_EXPORT void SetLogReportHandler(LogReportHandlerFunction handler);  // gets lines of SEVERITY_ERROR_REPORT
+CMM_EXPORT void SetLogReportHandler(LogReportHandlerFunction handler);  // gets lines of LOG_ERROR_REPORT
 
 // Stored for a log service in another process, which this library does not contain.
 CMM_EXPORT void SetUseLogService(bool use);

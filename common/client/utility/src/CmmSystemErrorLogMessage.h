@@ -9,7 +9,7 @@ namespace logging {
 // A line of the log that ends in ": " and the system's text for an error code, or that of a module which
 // has texts of its own:
 //
-//   SystemErrorLogMessage(__FILE__, __LINE__, SEVERITY_ERROR, GetLastError()).stream() << "open " << path;
+//   SystemErrorLogMessage(__FILE__, __LINE__, LOG_ERROR, GetLastError()).stream() << "open " << path;
 class SystemErrorLogMessage {
  public:
   // `module` names a module that is loaded, null for none; it is borrowed.
