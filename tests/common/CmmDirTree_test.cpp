@@ -144,7 +144,8 @@ TEST(FsRmdirs, ALinkWithinTheTreeIsNotEntered) {
 
 TEST(FsRmdirs, LinksToDirectoriesAreRemoved) {
   const ScratchDirectory scratch;
-  if (!SystemRemovesDirectoryLinks(scratch.Path())) GTEST_SKIP() << "RemoveDirectoryW refuses links here";
+  if (!SystemRemovesDirectoryLinks(scratch.Path()))
+    GTEST_SKIP() << "RemoveDirectoryW does not remove links here";
   scratch.MakeDirectory(L"target");
   scratch.MakeDirectory(L"tree\\a");
   const DirectoryLink link(scratch.Path() / L"link", scratch.Path() / L"target");

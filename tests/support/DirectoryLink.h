@@ -23,8 +23,8 @@ class DirectoryLink {
   std::filesystem::path m_path;
 };
 
-// Whether RemoveDirectoryW removes a link to a directory, as Windows does. Wine refuses. Tries it below
-// `scratch`.
+// Whether RemoveDirectoryW removes a link to a directory, as Windows does. Wine removes the target instead,
+// or fails where that is not empty. Tries it below `scratch`.
 bool SystemRemovesDirectoryLinks(const std::filesystem::path& scratch);
 
 }  // namespace velm_test
