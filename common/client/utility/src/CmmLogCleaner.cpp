@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/client/utility/src/CmmDir.h"
@@ -39,6 +40,14 @@ void DeleteIfSafe(const std::wstring& path) {
   if (cmm_safe_path(path.c_str())) DeleteFileW(path.c_str());
 }
 
+// Without the separator at its end, at which the system would follow the link. A directory that is not there
+// has every attribute, that of a link among them. The root of a drive needs its separator.
+bool IsLink(std::wstring_view dir) {
+  while (dir.size() > 1 && (dir.back() == L'\\' || dir.back() == L'/') && dir[dir.size() - 2] != L':')
+    dir.remove_suffix(1);
+  return (GetFileAttributesW(std::wstring(dir).c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
 // The names of the files in `dir`.
 std::vector<std::wstring> ListFiles(const wchar_t* dir) {
   std::vector<std::wstring> names;
@@ -60,8 +69,7 @@ void DeleteExcess(const LogBucket& bucket) {
 
 void CleanLogsWithFilters(const wchar_t* dir, const std::vector<LogFilterItem_s>& filters,
                           const LogFilterItem_s& default_filter) {
-  // A directory that is not there has every attribute, that of a link among them.
-  if (!dir || GetFileAttributesW(dir) & FILE_ATTRIBUTE_REPARSE_POINT) return;
+  if (!dir || IsLink(dir)) return;
 
   std::vector<LogBucket> buckets;
   for (const LogFilterItem_s& filter : filters)
