@@ -2,12 +2,14 @@
 // the order of the members, and ended in the reverse order when it is unloaded.
 
 #include "archive/ArchiveServiceImp.h"
+#include "common/client/utility/src/CmmTimerSlot.h"
 
 namespace Cmm {
 namespace {
 
 struct ProcessObjects {
   Archive::CCmmArchiveServiceImp archiveService;  // first: every message class registers with it
+  internal::TimerSlot timerSlot;
 };
 
 // Before every static object of default priority, for these may be messages.
@@ -18,6 +20,10 @@ __attribute__((init_priority(kBeforeMessages))) ProcessObjects processObjects;
 
 Archive::CCmmArchiveServiceImp* Archive::CCmmArchiveServiceImp::GetImp() {
   return &processObjects.archiveService;
+}
+
+internal::TimerSlot& internal::TimerSlot::OfThisProcess() {
+  return processObjects.timerSlot;
 }
 
 }  // namespace Cmm

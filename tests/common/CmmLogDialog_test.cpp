@@ -63,8 +63,9 @@ TEST_F(LogDialog, MessageBoxShowsTheTextWhenThereIsNoProgramForIt) {
                                      "e";
   EXPECT_EQ(GetLastError(), 4711u);
   user.join();
-  EXPECT_EQ(shown, L"[ERROR_REPORT:a(1)] Gr\x00FC\x00DF"
-                   L"e\n");
+  EXPECT_EQ(shown,
+            L"[ERROR_REPORT:a(1)] Gr\x00FC\x00DF"
+            L"e\n");
   EXPECT_FALSE(HasBox());
 }
 

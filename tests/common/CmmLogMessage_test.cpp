@@ -134,8 +134,7 @@ TEST_F(LogMessageTest, FailedCheckIsFatalUnlessToldOtherwise) {
   const logging::CheckOpString check(text.get());
   EXPECT_EQ(Logged([&] { LogMessage("/a", 1, check).stream() << " more"; }),
             "[FATAL:a(1)] Check failed: a == b (1 vs. 2) more\n");
-  EXPECT_EQ(Logged([&] { LogMessage("/a", 1, 3, check); }),
-            "[ERROR:a(1)] Check failed: a == b (1 vs. 2)\n");
+  EXPECT_EQ(Logged([&] { LogMessage("/a", 1, 3, check); }), "[ERROR:a(1)] Check failed: a == b (1 vs. 2)\n");
   testing::internal::GetCapturedStderr();
 }
 
@@ -155,8 +154,7 @@ TEST_F(LogMessageTest, NullFilePrintsAsTheUnknownFileWithoutItsFirstCharacter) {
 
 TEST_F(LogMessageTest, BooleansAreWords) {
   LeaveOutItems();
-  EXPECT_EQ(Logged([] { LogMessage("/a", 1).stream() << true << ' ' << false; }),
-            "[INFO:a(1)] true false\n");
+  EXPECT_EQ(Logged([] { LogMessage("/a", 1).stream() << true << ' ' << false; }), "[INFO:a(1)] true false\n");
 }
 
 TEST_F(LogMessageTest, FillCharacterOfTheStreamIs0BehindADate) {

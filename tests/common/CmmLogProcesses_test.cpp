@@ -195,8 +195,8 @@ TEST_F(LogProcesses, FileGetsTheFirst1024LinesOf1025BeforeTheInitialisation) {
 
 TEST_F(LogProcesses, FirstLineDecidesOnTheMutexOfTheDefaultPath) {
   auto process = Start({"early", File(L"a.log").string()});
-  EXPECT_THAT(process->ReadRest(), ElementsAre("default mutex before 0", "default mutex after 1",
-                                               "own mutex 0", "done"));
+  EXPECT_THAT(process->ReadRest(),
+              ElementsAre("default mutex before 0", "default mutex after 1", "own mutex 0", "done"));
   EXPECT_EQ(Content(File(L"a.log")), "[INFO:w(1)] early\n");
 }
 
@@ -209,7 +209,8 @@ TEST_F(LogProcesses, LogWithoutAPathStandsBesideTheProgram) {
 
 TEST_F(LogProcesses, DialogProgramBesideTheProgramGetsTheTextAsItsCommandLine) {
   std::filesystem::copy(velm_test::ProgramBeside(L"logging_writer.exe"), File(L"host.exe"));
-  std::filesystem::copy(velm_test::ProgramBeside(L"common_logging_tests_files") / "debug_message.exe", File(L"debug_message.exe"));
+  std::filesystem::copy(velm_test::ProgramBeside(L"common_logging_tests_files") / "debug_message.exe",
+                        File(L"debug_message.exe"));
   ChildProcess process(File(L"host.exe"), {"dialog", "it is \"broken\" & gone"});
   EXPECT_THAT(process.ReadRest(), ElementsAre("done"));
   // The program was waited for.

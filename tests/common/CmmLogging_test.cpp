@@ -271,9 +271,9 @@ class LogSetTest : public LoggingTest {
 
   bool Init(int count, int size = kSize, logging::LoggingDestination dest = logging::LOG_TO_FILE,
             logging::LogFileSuffixPolicy suffix = logging::LOG_FILE_WITHOUT_DATE, unsigned long pid = 0) {
-    return logging::BaseInitLoggingImpl_built_with_NDEBUG(
-        m_scratch.Path().c_str(), L"set", count, size, dest, logging::LOG_NOT_ENCRYPTED, suffix,
-        logging::LOCK_BY_CRITICAL_SECTION, pid);
+    return logging::BaseInitLoggingImpl_built_with_NDEBUG(m_scratch.Path().c_str(), L"set", count, size, dest,
+                                                          logging::LOG_NOT_ENCRYPTED, suffix,
+                                                          logging::LOCK_BY_CRITICAL_SECTION, pid);
   }
 
   std::filesystem::path Part(int index) const { return File(L"set_" + std::to_wstring(index) + L".log"); }

@@ -58,9 +58,8 @@ void LogFromThreads(int threadCount, int lines, const std::string& tag) {
 }
 
 bool LogTo(const wchar_t* path, logging::LogLockingState mode) {
-  return logging::BaseInitLoggingImpl_built_with_NDEBUG(path, logging::LOG_TO_FILE, mode,
-                                                        logging::APPEND_TO_OLD_LOG_FILE,
-                                                        logging::LOG_NOT_ENCRYPTED, 0);
+  return logging::BaseInitLoggingImpl_built_with_NDEBUG(
+      path, logging::LOG_TO_FILE, mode, logging::APPEND_TO_OLD_LOG_FILE, logging::LOG_NOT_ENCRYPTED, 0);
 }
 
 bool AppendToFile(const Arguments& arguments) {
