@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <utility>
 
 #include "common/client/utility/src/CmmLogDialog.h"
 #include "common/client/utility/src/CmmLogLine.h"
@@ -49,7 +50,7 @@ LogMessage::LogMessage(const char* file, int line, int severity, const CheckOpSt
 
 LogMessage::~LogMessage() {
   stream_ << '\n';
-  const std::string text = stream_.str();
+  const std::string text = std::move(stream_).str();
   const LogSettings& settings = internal::Settings();
   if (settings.message_handler && settings.message_handler(severity_, file_, line_, message_start_, text))
     return;
@@ -85,7 +86,7 @@ void LogMessage::Init() {
   prefix.line = line_;
   stream_ << std::boolalpha;
   internal::StreamLogPrefix(stream_, prefix);
-  message_start_ = static_cast<size_t>(stream_.tellp());
+  message_start_ = stream_.view().size();
 }
 
 }  // namespace logging
