@@ -25,13 +25,14 @@ void RotateIfFull(LogSettings& settings, size_t length) {
 void WriteLogLine(const std::string& line) {
   LogSettings& settings = Settings();
   settings.lock.Init(LOCK_BY_NAMED_MUTEX, nullptr);
-  if (GoesToFile(settings.destination)) {
+  const LoggingDestination destination = settings.destination;
+  if (GoesToFile(destination)) {
     const LogLock::Scope scope(settings.lock);
     RotateIfFull(settings, line.size());
     OpenLogFile(settings);
     AppendToLogFile(settings, line);
   }
-  if (settings.destination == LOG_TO_MEMORY) settings.memory.Append(line);
+  if (destination == LOG_TO_MEMORY) settings.memory.Append(line);
 }
 
 }  // namespace logging::internal
