@@ -325,7 +325,8 @@ TEST_F(LogMessageTest, AssertHandlerIsNeverCalled) {
 }
 
 TEST_F(LogMessageTest, HandlersMayLog) {
-  static int depth = 0;
+  static int depth;
+  depth = 0;
   LeaveOutItems();
   logging::SetLogMessageHandler([](int, const char*, int, size_t, const std::string&) {
     if (depth++ == 0) LogMessage("/h", 2).stream() << "message";

@@ -135,6 +135,21 @@ TEST_F(LoggingTest, InitialisingAgainClosesTheFileFirst) {
   EXPECT_TRUE(std::filesystem::remove(File(L"a.log")));  // nobody has it open
 }
 
+TEST_F(LoggingTest, ManyInitialisationsLeaveNoHandleBehind) {
+  const auto handles = [] {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+  };
+  ASSERT_TRUE(
+      LogTo(File(L"a.log"), logging::LOG_TO_FILE, logging::DELETE_OLD_LOG_FILE, GetCurrentProcessId()));
+  const DWORD before = handles();
+  for (int i = 0; i < 50; ++i)
+    ASSERT_TRUE(
+        LogTo(File(L"a.log"), logging::LOG_TO_FILE, logging::DELETE_OLD_LOG_FILE, GetCurrentProcessId()));
+  EXPECT_LE(handles(), before + 5);  // others in the process may open some
+}
+
 TEST_F(LoggingTest, OthersMayReadAndWriteTheOpenFile) {
   ASSERT_TRUE(LogTo(File(L"a.log")));
   Log("one");

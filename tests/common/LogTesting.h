@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -38,6 +39,10 @@ class LogTest : public testing::Test {
   ~LogTest() override { Reset(); }
 
   void Reset() {
+    // A set that an earlier test used would take further lines in.
+    logging::BaseInitLoggingImpl_built_with_NDEBUG(
+        m_scratch.Path().c_str(), L"rest", 2, std::numeric_limits<int>::max(), logging::LOG_TO_MEMORY,
+        logging::LOG_NOT_ENCRYPTED, logging::LOG_FILE_WITHOUT_DATE, logging::LOCK_BY_CRITICAL_SECTION, 0);
     LogTo(File(L"rest.log"));  // takes what an earlier test left in memory
     logging::CloseLogFile();
     logging::SetLogDestination(logging::LOG_TO_MEMORY);

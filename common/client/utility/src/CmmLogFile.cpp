@@ -69,11 +69,10 @@ void DeleteOldLogFile(const LogSettings& settings) {
   OutputDebugStringW(path.c_str());
 }
 
-bool MakeLogFilePath(const LogSettings& settings, std::wstring* path) {
-  if (!settings.log_dir || !settings.log_base) return false;
-  *path = LogFilePath(*settings.log_dir, *settings.log_base, DateInName(settings.suffix_policy),
-                      settings.file_index);
-  return true;
+std::optional<std::wstring> MakeLogFilePath(const LogSettings& settings) {
+  if (!settings.log_dir || !settings.log_base) return std::nullopt;
+  return LogFilePath(*settings.log_dir, *settings.log_base, DateInName(settings.suffix_policy),
+                     settings.file_index);
 }
 
 uint64_t LogFileSize(const std::wstring& path) {

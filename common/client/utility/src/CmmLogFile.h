@@ -3,6 +3,7 @@
 // What the log does with its files. All of it is called under the log lock.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,8 +23,8 @@ void AppendToLogFile(LogSettings& settings, std::string_view text);
 // there.
 void DeleteOldLogFile(const LogSettings& settings);
 
-// The path of the file `file_index` of the rotating set. False while the set has no directory or name.
-bool MakeLogFilePath(const LogSettings& settings, std::wstring* path);
+// The path of the file `file_index` of the rotating set. None while the set has no directory or base name.
+std::optional<std::wstring> MakeLogFilePath(const LogSettings& settings);
 
 // The size of a file, 0 if there is none.
 uint64_t LogFileSize(const std::wstring& path);

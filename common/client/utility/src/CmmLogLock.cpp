@@ -18,7 +18,7 @@ void LogLock::Init(LogLockingState mode, const wchar_t* path) {
   if (m_mutex) m_form = kMutex;
 }
 
-int LogLock::Acquire() {
+LogLock::Form LogLock::Acquire() {
   const Form form = m_form;
   if (form == kCriticalSection) m_section.Lock();
   if (form == kMutex) {
@@ -29,7 +29,7 @@ int LogLock::Acquire() {
   return form;
 }
 
-void LogLock::Release(int held) {
+void LogLock::Release(Form held) {
   if (held == kCriticalSection) m_section.Unlock();
   if (held == kMutex) ReleaseMutex(m_mutex.get());
 }

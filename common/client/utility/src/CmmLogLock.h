@@ -19,6 +19,8 @@ class LogLock {
   // The form asked for by the last Init that decided or tried.
   LogLockingState Mode() const { return m_mode; }
 
+  enum Form : int { kNone, kMutex, kCriticalSection };
+
   // Holds the lock for a scope; holds nothing while there is none.
   class Scope {
    public:
@@ -30,14 +32,12 @@ class LogLock {
    private:
     LogLock& m_lock;
     // What was taken: the lock may come into being meanwhile.
-    const int m_held;
+    const Form m_held;
   };
 
  private:
-  enum Form : int { kNone, kMutex, kCriticalSection };
-
-  int Acquire();
-  void Release(int held);
+  Form Acquire();
+  void Release(Form held);
 
   Cmm::CCritical m_initLock;
   std::atomic<LogLockingState> m_mode = LOCK_BY_NAMED_MUTEX;

@@ -1,5 +1,7 @@
 #include "common/client/utility/src/CmmLogWriter.h"
 
+#include <optional>
+
 #include "common/client/utility/src/CmmLogFile.h"
 #include "common/client/utility/src/CmmLogSettings.h"
 
@@ -12,9 +14,9 @@ void RotateIfFull(LogSettings& settings, size_t length) {
     return;
   settings.current_size = 0;
   settings.file_index = NextLogIndex(settings.file_index, settings.max_file_count);
-  std::wstring path;
-  if (!MakeLogFilePath(settings, &path)) return;
-  if (BaseInitLoggingImpl_built_with_NDEBUG(path.c_str(), settings.destination, settings.lock.Mode(),
+  const std::optional<std::wstring> path = MakeLogFilePath(settings);
+  if (!path) return;
+  if (BaseInitLoggingImpl_built_with_NDEBUG(path->c_str(), settings.destination, settings.lock.Mode(),
                                             DELETE_OLD_LOG_FILE, settings.encrypt_policy,
                                             settings.impersonate_pid))
     WriteLogIndex(settings);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "common/client/utility/src/CmmLogFile.h"
 #include "common/client/utility/src/CmmLogSettings.h"
@@ -54,18 +55,19 @@ bool BaseInitLoggingImpl_built_with_NDEBUG(const wchar_t* dir, const wchar_t* ba
     internal::WriteLogIndex(settings);
   }
 
-  std::wstring path;
-  if (!internal::MakeLogFilePath(settings, &path)) return false;
-  const uint64_t size = internal::LogFileSize(path);
+  std::optional<std::wstring> path = internal::MakeLogFilePath(settings);
+  if (!path) return false;
+  const uint64_t size = internal::LogFileSize(*path);
   const bool advances = size >= static_cast<uint64_t>(settings.max_file_size);
   if (advances) {
     settings.file_index = internal::NextLogIndex(settings.file_index, settings.max_file_count);
-    if (!internal::MakeLogFilePath(settings, &path)) return false;
+    path = internal::MakeLogFilePath(settings);
+    if (!path) return false;
   } else {
     settings.current_size = static_cast<uint32_t>(size);
   }
   const bool opened = BaseInitLoggingImpl_built_with_NDEBUG(
-      path.c_str(), dest, lock, advances ? DELETE_OLD_LOG_FILE : APPEND_TO_OLD_LOG_FILE, enc, pid);
+      path->c_str(), dest, lock, advances ? DELETE_OLD_LOG_FILE : APPEND_TO_OLD_LOG_FILE, enc, pid);
   if (advances && opened) internal::WriteLogIndex(settings);
   return opened;
 }
