@@ -1,6 +1,9 @@
 #include "common/client/utility/src/CmmLogging.h"
 
-#include <limits>
+#include <atomic>
+#include <set>
+#include <thread>
+#include <vector>
 
 #include "common/client/utility/src/CmmFunctionLogger.h"
 #include "tests/common/LogTesting.h"
@@ -10,8 +13,6 @@ namespace {
 
 using logging::LogMessage;
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using velm_test::Content;
 using velm_test::CurrentDirectory;
 using velm_test::DebugOutput;
@@ -148,6 +149,34 @@ TEST_F(LoggingTest, ManyInitialisationsLeaveNoHandleBehind) {
     ASSERT_TRUE(
         LogTo(File(L"a.log"), logging::LOG_TO_FILE, logging::DELETE_OLD_LOG_FILE, GetCurrentProcessId()));
   EXPECT_LE(handles(), before + 5);  // others in the process may open some
+}
+
+TEST_F(LoggingTest, ThreadsLoseNoLineWhileTheFileIsClosedAndInitialisedAgain) {
+  constexpr int kThreads = 4;
+  constexpr int kLines = 500;
+  ASSERT_TRUE(LogTo(File(L"a.log")));
+  std::atomic<int> running = kThreads;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t)
+    threads.emplace_back([t, &running] {
+      for (int i = 0; i < kLines; ++i)
+        Log(std::to_string(t) + ' ' + std::to_string(i));
+      --running;
+    });
+  while (running > 0) {
+    logging::CloseLogFile();
+    EXPECT_EQ(logging::GetLogFilePath(), File(L"a.log").wstring());
+    EXPECT_TRUE(LogTo(File(L"a.log")));
+  }
+  for (std::thread& thread : threads)
+    thread.join();
+  std::set<std::string> expected;
+  for (int t = 0; t < kThreads; ++t)
+    for (int i = 0; i < kLines; ++i)
+      expected.insert("[INFO:a(1)] " + std::to_string(t) + ' ' + std::to_string(i));
+  const std::vector<std::string> lines = Lines(File(L"a.log"));
+  EXPECT_EQ(lines.size(), expected.size());
+  EXPECT_TRUE(std::set(lines.begin(), lines.end()) == expected);
 }
 
 TEST_F(LoggingTest, OthersMayReadAndWriteTheOpenFile) {
