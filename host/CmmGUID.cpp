@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <ctime>
+#include <cwchar>
 #include <string>
 #include <utility>
 #include <vector>

@@ -14,13 +14,14 @@ die() {
 }
 
 # The Wine environment of this checkout: a prefix and a home of its own, no crash dialog, no
-# diagnostics on stderr, and locale and zone fixed so that results do not depend on the machine.
+# diagnostics on stderr, and locale and zone fixed so that results do not depend on the machine. VELM_TZ
+# is another zone, for a test that is about zones.
 wine_environment() {
   export WINEPREFIX=${VELM_WINEPREFIX:-$build_dir/wine/prefix}
   export HOME=$build_dir/wine/home
   export WINEDEBUG=${WINEDEBUG:--all}
   export WINEDLLOVERRIDES="mscoree=;mshtml=;winedbg.exe="
-  export LC_ALL=C.UTF-8 TZ=UTC
+  export LC_ALL=C.UTF-8 TZ=${VELM_TZ:-UTC}
   unset DISPLAY WAYLAND_DISPLAY
 }
 

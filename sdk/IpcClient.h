@@ -58,18 +58,18 @@ class IClient3rdSDKIPCClient {
   virtual int SendClient3rdSDKCmdRequest(const Cmm::CStringT<wchar_t>& text) = 0;
 };
 
-// Makes the clients of the pipe route.
+// Makes the clients of the pipe route. They are shared with their own timer ticks, so that a callback may end
+// the channel that it was called by.
 class IpcClientFactory {
  public:
   virtual ~IpcClientFactory() = default;
-  virtual std::unique_ptr<IAudioSDKIPCClient> MakeAudioClient() = 0;
-  virtual std::unique_ptr<IClient3rdSDKIPCClient> MakeServiceModeClient() = 0;
+  virtual std::shared_ptr<IAudioSDKIPCClient> MakeAudioClient() = 0;
+  virtual std::shared_ptr<IClient3rdSDKIPCClient> MakeServiceModeClient() = 0;
 };
 
-// The factory in force. While it is null the pipe route is closed: no flag opens it, and every command
-// goes by the window route.
-IpcClientFactory* GetIpcClientFactory();
-// Not owned; for the start of the process, before the channel is used.
+// The factory in force, at first one of clients over named pipes.
+IpcClientFactory& GetIpcClientFactory();
+// Not owned; null brings the first one back. For the start of the process, before the channel is used.
 void SetIpcClientFactory(IpcClientFactory* factory);
 
 }  // namespace Velm3rdSDK

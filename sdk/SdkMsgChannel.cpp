@@ -65,12 +65,12 @@ uint32_t CSdkMsgChannel::Init() {
   StartMessageThread();
   if (!m_b3rdSDKIPC) m_deviceTable.OpenTable();  // in service mode there is no table
   if (m_bAudioIPC) {
-    m_pIPCClient = GetIpcClientFactory()->MakeAudioClient();
+    m_pIPCClient = GetIpcClientFactory().MakeAudioClient();
     m_pIPCClient->SetSink(this);
     m_pIPCClient->Connect(kOwnProcess);
   }
   if (m_b3rdSDKIPC) {
-    m_p3rdSDKIPCClient = GetIpcClientFactory()->MakeServiceModeClient();
+    m_p3rdSDKIPCClient = GetIpcClientFactory().MakeServiceModeClient();
     m_p3rdSDKIPCClient->SetSink(this);
     m_p3rdSDKIPCClient->Connect(ServiceModeChannelId());
   }
@@ -134,10 +134,8 @@ uint32_t CSdkMsgChannel::RegisterFeature(int64_t features) {
             version);
         return 0;
       }
-      if (GetIpcClientFactory()) {
-        m_bAudioIPC = 1;
-        SDK_LOG(kLogInfo) << L"[CSdkMsgChannel::RegisterFeature] audio features, will go new ipc!";
-      }
+      m_bAudioIPC = 1;
+      SDK_LOG(kLogInfo) << L"[CSdkMsgChannel::RegisterFeature] audio features, will go new ipc!";
     }
     m_nFeatures = features;  // whole, also bits that are not on offer
     return 1;
@@ -162,7 +160,7 @@ uint32_t CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode() {
         L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] Need update Velm client to 5.7.6 or "
         L"later to support service mode! Current Velm Client Version:",
         version);
-  } else if (GetIpcClientFactory()) {
+  } else {
     m_b3rdSDKIPC = 1;
   }
   SDK_LOG(kLogInfo) << L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] errCode:" << errCode;

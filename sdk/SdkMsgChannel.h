@@ -118,9 +118,9 @@ class CSdkMsgChannel : public IAudioSDKIPCClientSink, public IClient3rdSDKIPCCli
   std::vector<Cmm::CStringT<wchar_t>> m_deviceNames;  // all devices selected so far
   std::vector<Cmm::CStringT<wchar_t>> m_deviceGUIDs;
   uint32_t m_bAudioIPC = 0;
-  std::unique_ptr<IAudioSDKIPCClient> m_pIPCClient;
+  std::shared_ptr<IAudioSDKIPCClient> m_pIPCClient;
   uint32_t m_b3rdSDKIPC = 0;
-  std::unique_ptr<IClient3rdSDKIPCClient> m_p3rdSDKIPCClient;
+  std::shared_ptr<IClient3rdSDKIPCClient> m_p3rdSDKIPCClient;
   uint32_t m_bRequestServiceMode = 0;
 };
 

@@ -31,6 +31,57 @@ Cmm::UniqueFileHandle OpenExclusively(const std::wstring& path) {
       CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
+// What is to be deleted at the next start of the system. The destructor puts the list back as it was.
+class PendingDeletions {
+ public:
+  PendingDeletions() : m_before(Read()) {}
+  PendingDeletions(const PendingDeletions&) = delete;
+  PendingDeletions& operator=(const PendingDeletions&) = delete;
+  ~PendingDeletions() {
+    if (m_before.empty())
+      RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kKey, kName);
+    else
+      RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKey, kName, REG_MULTI_SZ, m_before.data(),
+                      static_cast<DWORD>(m_before.size() * sizeof(wchar_t)));
+  }
+
+  // Whether the end of the path is in the list; true as well where this user may not add to it.
+  bool Contains(const std::wstring& path) const {
+    Cmm::UniqueRegistryKey key;
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kKey, 0, KEY_SET_VALUE, key.put()) != ERROR_SUCCESS) return true;
+    return Read().find(path) != std::wstring::npos;
+  }
+
+ private:
+  static constexpr wchar_t kKey[] = L"System\\CurrentControlSet\\Control\\Session Manager";
+  static constexpr wchar_t kName[] = L"PendingFileRenameOperations";
+
+  static std::wstring Read() {
+    DWORD size = 0;
+    RegGetValueW(HKEY_LOCAL_MACHINE, kKey, kName, RRF_RT_REG_MULTI_SZ, nullptr, nullptr, &size);
+    std::wstring list(size / sizeof(wchar_t), L'\0');
+    RegGetValueW(HKEY_LOCAL_MACHINE, kKey, kName, RRF_RT_REG_MULTI_SZ, nullptr, list.data(), &size);
+    return list;
+  }
+
+  std::wstring m_before;
+};
+
+// Another temporary directory for this process.
+class TempDirectoryGuard {
+ public:
+  explicit TempDirectoryGuard(const std::wstring& directory) {
+    GetEnvironmentVariableW(L"TMP", m_before, MAX_PATH);
+    SetEnvironmentVariableW(L"TMP", directory.c_str());
+  }
+  TempDirectoryGuard(const TempDirectoryGuard&) = delete;
+  TempDirectoryGuard& operator=(const TempDirectoryGuard&) = delete;
+  ~TempDirectoryGuard() { SetEnvironmentVariableW(L"TMP", m_before); }
+
+ private:
+  wchar_t m_before[MAX_PATH] = {};
+};
+
 TEST(FsMkdirs, CreatesEveryMissingDirectory) {
   const ScratchDirectory scratch;
   const std::wstring base = scratch.Path().wstring();
@@ -158,6 +209,7 @@ TEST(FsRmdirs, LinksToDirectoriesAreRemoved) {
 
 TEST(FsRmdirs, AFileThatIsHeldOpenStaysAndMakesItFailButTheRestGoes) {
   const ScratchDirectory scratch;
+  const PendingDeletions pending;
   const std::wstring held = scratch.MakeFile(L"t\\a\\held");
   scratch.MakeFile(L"t\\a\\other");
   scratch.MakeFile(L"t\\b\\other");
@@ -168,10 +220,30 @@ TEST(FsRmdirs, AFileThatIsHeldOpenStaysAndMakesItFailButTheRestGoes) {
     EXPECT_EQ(cmm_fs_rmdirs(path.c_str()), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DIR_NOT_EMPTY));
     EXPECT_TRUE(Exists(held));
+    EXPECT_TRUE(pending.Contains(held));
     EXPECT_FALSE(Exists(path + L"\\a\\other"));
     EXPECT_FALSE(Exists(path + L"\\b"));
   }
   EXPECT_NE(cmm_fs_rmdirs(path.c_str()), 0);
+}
+
+TEST(FsRmdirs, AFileThatIsOnlyMovableLeavesTheTreeAndIsMarkedWhereItWent) {
+  const ScratchDirectory scratch;
+  const PendingDeletions pending;
+  const std::filesystem::path temp = scratch.MakeDirectory(L"temp");
+  const TempDirectoryGuard guard(temp.wstring());
+  const std::wstring readOnly = scratch.MakeFile(L"t\\a\\b", "content");
+  SetFileAttributesW(readOnly.c_str(), FILE_ATTRIBUTE_READONLY);
+  ASSERT_FALSE(DeleteFileW(readOnly.c_str()));
+
+  EXPECT_NE(cmm_fs_rmdirs((scratch.Path() / L"t").c_str()), 0);
+  EXPECT_FALSE(Exists(scratch.Path() / L"t"));
+  std::vector<std::filesystem::path> moved(std::filesystem::directory_iterator(temp), {});
+  ASSERT_EQ(moved.size(), 1u);
+  EXPECT_EQ(std::filesystem::file_size(moved[0]), 7u);
+  EXPECT_EQ(moved[0].extension(), L".tmp");
+  EXPECT_TRUE(pending.Contains(moved[0].filename()));
+  SetFileAttributesW(moved[0].c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 }  // namespace

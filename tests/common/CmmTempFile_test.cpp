@@ -4,6 +4,7 @@
 
 #include <cwchar>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>

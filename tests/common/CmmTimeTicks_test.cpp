@@ -28,6 +28,7 @@ class FakeTicks : public TimeTicks {
   void Advance(uint32_t ms) { s_reading += ms; }
 
   static uint32_t Read() { return s_reading; }
+  static uint32_t ReadAndStep() { return s_reading++; }
   static TickFunctionType Replace(TickFunctionType fn) { return SetMockTickFunction(fn); }
 
  private:
@@ -101,23 +102,28 @@ TEST(TimeTicks, FollowTheSystemsCounter) {
   EXPECT_GE(after - before, Ms(15));  // the system's timers may be a little early
 }
 
-TEST(TimeTicks, NeverGoBackWhateverThreadReadsThem) {
-  std::atomic<int> backward{0};
+// The counter is read under the lock: two readings that changed places would count as a wrap, 49 days.
+TEST(TimeTicks, SeeNoWrapWhereManyThreadsReadACounterThatRuns) {
+  constexpr int kThreads = 4;
+  constexpr int kReadings = 20000;
+  FakeTicks fake(1000);
+  FakeTicks::Replace(FakeTicks::ReadAndStep);
+  const TimeTicks before = TimeTicks::Now();
   std::vector<std::jthread> readers;
-  for (int i = 0; i < 4; ++i) {
+  std::atomic<int> backward{0};
+  for (int i = 0; i < kThreads; ++i) {
     readers.emplace_back([&backward] {
       TimeTicks last = TimeTicks::Now();
-      for (int n = 0; n < 20000; ++n) {
+      for (int n = 1; n < kReadings; ++n) {
         const TimeTicks now = TimeTicks::Now();
-        if (now < last) ++backward;
-        // A wrap that is none would put a reading 49 days ahead.
-        if (now - last > TimeDelta::FromDays(1)) ++backward;
+        if (now <= last) ++backward;
         last = now;
       }
     });
   }
   readers.clear();
   EXPECT_EQ(backward, 0);
+  EXPECT_EQ(TimeTicks::Now() - before, Ms(kThreads * kReadings + 1));
 }
 
 TEST(HighResTicks, RunOnThePerformanceCounterWhereItIsTrusted) {

@@ -337,7 +337,7 @@ TEST(TimeCalendar, LocalMidnightIsTheBeginningOfTheLocalDay) {
 }
 
 TEST(TimeCalendar, AMomentWithoutADateHasTheNullTimeForItsMidnight) {
-  EXPECT_TRUE(At(kMin / 10).LocalMidnight().is_null());
+  EXPECT_TRUE(At(kMin / 20).LocalMidnight().is_null());
 }
 
 // ---- Time: text ----------------------------------------------------------------------------------------

@@ -33,8 +33,8 @@ struct SdkMsgChannelTestAccess {
   uint32_t& AudioIPC() { return channel.m_bAudioIPC; }
   uint32_t& ServiceModeIPC() { return channel.m_b3rdSDKIPC; }
   uint32_t& RequestServiceMode() { return channel.m_bRequestServiceMode; }
-  std::unique_ptr<IAudioSDKIPCClient>& AudioClient() { return channel.m_pIPCClient; }
-  std::unique_ptr<IClient3rdSDKIPCClient>& ServiceModeClient() { return channel.m_p3rdSDKIPCClient; }
+  std::shared_ptr<IAudioSDKIPCClient>& AudioClient() { return channel.m_pIPCClient; }
+  std::shared_ptr<IClient3rdSDKIPCClient>& ServiceModeClient() { return channel.m_p3rdSDKIPCClient; }
   size_t DeviceNames() const { return channel.m_deviceNames.size(); }
   size_t DeviceGUIDs() const { return channel.m_deviceGUIDs.size(); }
 };
@@ -92,18 +92,18 @@ class FakeServiceModeClient : public IClient3rdSDKIPCClient {
   Calls& m_calls;
 };
 
-// Opens the pipe route with stand-ins while it lives.
+// Puts stand-ins in the place of the pipe route's clients while it lives.
 class FakeIpcRoute : public IpcClientFactory {
  public:
   FakeIpcRoute() { SetIpcClientFactory(this); }
   ~FakeIpcRoute() override { SetIpcClientFactory(nullptr); }
-  std::unique_ptr<IAudioSDKIPCClient> MakeAudioClient() override {
-    auto client = std::make_unique<FakeAudioClient>(audioCalls);
+  std::shared_ptr<IAudioSDKIPCClient> MakeAudioClient() override {
+    auto client = std::make_shared<FakeAudioClient>(audioCalls);
     audio = client.get();
     return client;
   }
-  std::unique_ptr<IClient3rdSDKIPCClient> MakeServiceModeClient() override {
-    auto client = std::make_unique<FakeServiceModeClient>(serviceCalls);
+  std::shared_ptr<IClient3rdSDKIPCClient> MakeServiceModeClient() override {
+    auto client = std::make_shared<FakeServiceModeClient>(serviceCalls);
     serviceMode = client.get();
     return client;
   }

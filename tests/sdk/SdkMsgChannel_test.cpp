@@ -278,13 +278,6 @@ TEST_F(SdkMsgChannelTest, AudioWithClient560OpensTheAudioIpcChannel) {
   EXPECT_TRUE(log.Has(L"[CSdkMsgChannel::RegisterFeature] audio features, will go new ipc!"));
 }
 
-TEST_F(SdkMsgChannelTest, AudioWithoutAPipeRouteRegistersAndStaysOnTheWindowRoute) {
-  const FakeProduct client(ClientOfVersion(5, 6));
-  EXPECT_EQ(channel->RegisterFeature(kAudio), 1U);
-  EXPECT_EQ(Fields().Features(), kAudio);
-  EXPECT_EQ(Fields().AudioIPC(), 0U);
-}
-
 TEST_F(SdkMsgChannelTest, AudioWithAClientThatIsNotRegisteredHasNoVersionAndIsRefused) {
   auto options = ClientOfVersion(6, 0);
   options.registerCommand = false;
@@ -328,13 +321,6 @@ TEST_F(SdkMsgChannelTest, ServiceModeWithClient580IsInForce) {
   EXPECT_EQ(channel->Client3rdSDKRequestRunUnderServiceMode(), 0U);
   EXPECT_EQ(Fields().ServiceModeIPC(), 1U);
   EXPECT_TRUE(log.Has(L"[CSdkMsgChannel::Client3rdSDKRequestRunUnderServiceMode] errCode:0"));
-}
-
-TEST_F(SdkMsgChannelTest, ServiceModeWithoutAPipeRouteIsAdmittedAndStaysOnTheWindowRoute) {
-  const FakeProduct client(ClientOfVersion(5, 8));
-  EXPECT_EQ(channel->Client3rdSDKRequestRunUnderServiceMode(), 0U);
-  EXPECT_EQ(channel->GetAvailableFeatures(), 0x3fdU);
-  EXPECT_EQ(Fields().ServiceModeIPC(), 0U);
 }
 
 // ---- Version

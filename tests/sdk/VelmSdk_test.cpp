@@ -40,6 +40,8 @@ class ExportTest : public testing::Test {
     instance.Callbacks() = SdkCallbacks();
     Fields().Features() = 0;
     Fields().RequestServiceMode() = 0;
+    Fields().AudioIPC() = 0;
+    Fields().ServiceModeIPC() = 0;
     g_sdkImplHelper.m_bServiceMode = 0;
     g_pSdkMsgChannel = nullptr;
   }

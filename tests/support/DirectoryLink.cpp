@@ -52,10 +52,13 @@ bool DirectoryLink::Exists() const {
 
 bool SystemRemovesDirectoryLinks(const std::filesystem::path& scratch) {
   const std::filesystem::path target = scratch / L"link probe target";
-  std::filesystem::create_directory(target);
+  std::filesystem::create_directories(target / L"content");
   const DirectoryLink link(scratch / L"link probe", target);
   RemoveDirectoryW(link.Path().c_str());
-  return std::filesystem::remove(target) && !link.Exists();
+  const bool isRemoved = !link.Exists();
+  std::filesystem::remove(target / L"content");
+  std::filesystem::remove(target);
+  return isRemoved;
 }
 
 }  // namespace velm_test

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
 
 #include "common/client/utility/src/CmmConvert.h"

@@ -8,6 +8,7 @@
 
 #include "common/client/utility/src/CmmClockRules.h"
 #include "common/client/utility/src/CmmCpu.h"
+#include "common/client/utility/src/CmmHighResClock.h"
 #include "common/client/utility/src/CmmLock.h"
 #include "common/client/utility/src/CmmTimeValue.h"
 
@@ -28,31 +29,11 @@ CCritical& RolloverLock() {
   return *lock;
 }
 
-struct HighResClock {
-  float factor = 0.0f;       // 0: there is no counter, or none that is trusted
-  int64_t driftAtStart = 0;  // the counter less the ticks, microseconds
-};
-
-int64_t ReadMicroseconds(float factor) {
-  if (factor == 0.0f) return TimeTicks::Now().ToInternalValue();
-  LARGE_INTEGER count;
-  QueryPerformanceCounter(&count);
-  return internal::CounterMicroseconds(count.QuadPart, factor);
-}
-
-HighResClock StartHighResClock() {
-  HighResClock clock;
-  LARGE_INTEGER frequency;
-  if (QueryPerformanceFrequency(&frequency)) clock.factor = internal::CounterFactor(frequency.QuadPart);
-  const int64_t counter = ReadMicroseconds(clock.factor);
-  clock.driftAtStart = counter - TimeTicks::Now().ToInternalValue();
-  const CPU cpu;
-  if (!internal::IsCounterTrusted(cpu.vendor_name(), cpu.family())) clock.factor = 0.0f;
-  return clock;
-}
-
-const HighResClock& TheHighResClock() {
-  static const HighResClock clock = StartHighResClock();
+const internal::HighResClock& TheHighResClock() {
+  static const internal::HighResClock clock([] {
+    const CPU cpu;
+    return internal::IsCounterTrusted(cpu.vendor_name(), cpu.family());
+  }());
   return clock;
 }
 
@@ -64,18 +45,15 @@ TimeTicks TimeTicks::Now() {
 }
 
 TimeTicks TimeTicks::HighResNow() {
-  return TimeTicks(ReadMicroseconds(TheHighResClock().factor));
+  return TimeTicks(TheHighResClock().Now());
 }
 
 bool TimeTicks::IsHighResClockWorking() {
-  return TheHighResClock().factor != 0.0f;
+  return TheHighResClock().IsWorking();
 }
 
 int64_t TimeTicks::GetQPCDriftMicroseconds() {
-  if (!IsHighResClockWorking()) return 0;
-  const HighResClock& clock = TheHighResClock();
-  const int64_t counter = ReadMicroseconds(clock.factor);
-  return internal::CounterDrift(counter, clock.driftAtStart, Now().ToInternalValue());
+  return TheHighResClock().Drift();
 }
 
 TimeTicks::TickFunctionType TimeTicks::SetMockTickFunction(TickFunctionType fn) {

@@ -150,6 +150,17 @@ bool TimeDelta::operator>=(TimeDelta other) const {
 
 // ---- Time --------------------------------------------------------------------------------------------
 
+const int64_t Time::kMillisecondsPerSecond;
+const int64_t Time::kMicrosecondsPerMillisecond;
+const int64_t Time::kMicrosecondsPerSecond;
+const int64_t Time::kMicrosecondsPerMinute;
+const int64_t Time::kMicrosecondsPerHour;
+const int64_t Time::kMicrosecondsPerDay;
+const int64_t Time::kMicrosecondsPerWeek;
+const int64_t Time::kNanosecondsPerMicrosecond;
+const int64_t Time::kNanosecondsPerSecond;
+const int32_t Time::kMinLowResolutionThresholdMs;
+
 Time Time::FromInternalValue(int64_t us) {
   return Time(us);
 }

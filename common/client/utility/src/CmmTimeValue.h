@@ -75,16 +75,16 @@ class CMM_EXPORT TimeDelta {
 // stands for "no moment".
 class CMM_EXPORT Time {
  public:
-  static constexpr int64_t kMillisecondsPerSecond = 1000;
-  static constexpr int64_t kMicrosecondsPerMillisecond = 1000;
-  static constexpr int64_t kMicrosecondsPerSecond = 1000000;
-  static constexpr int64_t kMicrosecondsPerMinute = 60000000;
-  static constexpr int64_t kMicrosecondsPerHour = 3600000000;
-  static constexpr int64_t kMicrosecondsPerDay = 86400000000;
-  static constexpr int64_t kMicrosecondsPerWeek = 604800000000;
-  static constexpr int64_t kNanosecondsPerMicrosecond = 1000;
-  static constexpr int64_t kNanosecondsPerSecond = 1000000000;
-  static constexpr int32_t kMinLowResolutionThresholdMs = 16;
+  static const int64_t kMillisecondsPerSecond = 1000;
+  static const int64_t kMicrosecondsPerMillisecond = 1000;
+  static const int64_t kMicrosecondsPerSecond = 1000000;
+  static const int64_t kMicrosecondsPerMinute = 60000000;
+  static const int64_t kMicrosecondsPerHour = 3600000000;
+  static const int64_t kMicrosecondsPerDay = 86400000000;
+  static const int64_t kMicrosecondsPerWeek = 604800000000;
+  static const int64_t kNanosecondsPerMicrosecond = 1000;
+  static const int64_t kNanosecondsPerSecond = 1000000000;
+  static const int32_t kMinLowResolutionThresholdMs = 16;
 
   // A moment of the calendar, in the order of SYSTEMTIME.
   struct Exploded {
@@ -157,7 +157,9 @@ class CMM_EXPORT Time {
 
   // ---- The resolution of the system's timers ---------------------------------------------------------
 
-  static void EnableHighResolutionTimer(bool enable);  // permits the next call, and changes nothing else
+  // Permits ActivateHighResolutionTimer, or forbids it, and changes nothing else. It is for one thread: that
+  // of the first call is noted, and a build with invariant checks reports a call from any other.
+  static void EnableHighResolutionTimer(bool enable);
   // Begins or ends a period with timers of one millisecond, for the whole system. False when that is not
   // permitted or did not work. Each beginning that worked needs its end.
   static bool ActivateHighResolutionTimer(bool activate);

@@ -26,6 +26,7 @@ class UniqueResource {
 
   Type get() const { return m_value; }
   explicit operator bool() const { return m_value != Traits::Empty(); }
+  bool operator==(Type value) const { return m_value == value; }
   [[nodiscard]] Type release() { return std::exchange(m_value, Traits::Empty()); }
 
   void reset(Type value = Traits::Empty()) {

@@ -3,12 +3,14 @@
 
 #include "archive/ArchiveServiceImp.h"
 #include "common/client/utility/src/CmmTimerSlot.h"
+#include "common/client/utility/src/ipc/CmmMessageQueueService.h"
 
 namespace Cmm {
 namespace {
 
 struct ProcessObjects {
   Archive::CCmmArchiveServiceImp archiveService;  // first: every message class registers with it
+  MQ::CCmmMessageQueueService messageQueueService;
   internal::TimerSlot timerSlot;
 };
 
@@ -20,6 +22,10 @@ __attribute__((init_priority(kBeforeMessages))) ProcessObjects processObjects;
 
 Archive::CCmmArchiveServiceImp* Archive::CCmmArchiveServiceImp::GetImp() {
   return &processObjects.archiveService;
+}
+
+MQ::CCmmMessageQueueService* MQ::CCmmMessageQueueService::GetProcessService() {
+  return &processObjects.messageQueueService;
 }
 
 internal::TimerSlot& internal::TimerSlot::OfThisProcess() {
