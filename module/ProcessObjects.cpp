@@ -2,6 +2,7 @@
 // the order of the members, and ended in the reverse order when it is unloaded.
 
 #include "archive/ArchiveServiceImp.h"
+#include "common/client/utility/src/CmmTimerSlot.h"
 #include "common/client/utility/src/ipc/CmmMessageQueueService.h"
 
 namespace Cmm {
@@ -10,6 +11,7 @@ namespace {
 struct ProcessObjects {
   Archive::CCmmArchiveServiceImp archiveService;  // first: every message class registers with it
   MQ::CCmmMessageQueueService messageQueueService;
+  internal::TimerSlot timerSlot;
 };
 
 // Before every static object of default priority, for these may be messages.
@@ -24,6 +26,10 @@ Archive::CCmmArchiveServiceImp* Archive::CCmmArchiveServiceImp::GetImp() {
 
 MQ::CCmmMessageQueueService* MQ::CCmmMessageQueueService::GetProcessService() {
   return &processObjects.messageQueueService;
+}
+
+internal::TimerSlot& internal::TimerSlot::OfThisProcess() {
+  return processObjects.timerSlot;
 }
 
 }  // namespace Cmm

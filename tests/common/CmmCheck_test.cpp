@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include "common/client/utility/src/CmmLogging.h"
 #include "gtest/gtest.h"
 
 namespace {
@@ -12,6 +13,20 @@ std::string Reported(const char* file) {
   testing::internal::CaptureStderr();
   ReportFailedCheck(file, 77, "Check failed: a. ");
   return testing::internal::GetCapturedStderr();
+}
+
+TEST(ReportFailedCheck, IsOneLogMessageOfSeverityFatal) {
+  static int severity;
+  static std::string text;
+  logging::SetLogMessageHandler([](int s, const char* file, int line, size_t start, const std::string& str) {
+    severity = s;
+    text = std::string(file) + ' ' + std::to_string(line) + ' ' + str.substr(start);
+    return true;
+  });
+  EXPECT_EQ(Reported("C:\\src\\Unit.cpp"), "");
+  logging::SetLogMessageHandler(nullptr);
+  EXPECT_EQ(severity, 5);
+  EXPECT_EQ(text, "C:\\src\\Unit.cpp 77 Check failed: a. \n");
 }
 
 TEST(ReportFailedCheck, WritesALineWithTheNameOfTheFileAndGoesOn) {

@@ -14,8 +14,8 @@
 
 namespace Cmm::internal {
 
-// Writes `text` as a line of severity "FATAL" of the place `file`(`line`) to stderr. Ends nothing, and
-// leaves the thread's last error as it was.
+// Logs `text` as a line of severity "FATAL" of the place `file`(`line`), which goes to stderr in any case.
+// Ends nothing, and leaves the thread's last error as it was.
 void ReportFailedCheck(const char* file, int line, const std::string& text);
 
 }  // namespace Cmm::internal
