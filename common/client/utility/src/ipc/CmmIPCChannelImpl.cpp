@@ -6,6 +6,7 @@
 #include "archive/catalogue/SdkChannelMessages.h"
 #include "common/client/utility/src/CmmCheck.h"
 #include "common/client/utility/src/CmmConvert.h"
+#include "common/client/utility/src/CmmTrace.h"
 #include "common/client/utility/src/ipc/PipeSecurity.h"
 
 namespace qxb_ipc {
@@ -162,6 +163,8 @@ void Channel::ChannelImpl::Close() {
 }
 
 bool Channel::ChannelImpl::Send(std::unique_ptr<Cmm::CmmMQ_Msg> msg) {
+  CMM_TRACE("sending message @" << msg.get() << " on channel @" << this << " with size " << msg->GetLen()
+                                << " (" << output_queue_.size() << " in queue)");
   output_queue_.push_back(std::move(msg));
   if (waiting_connect_ || output_state_.is_pending) return true;
   return ProcessOutgoingMessages(nullptr, 0);
@@ -293,12 +296,15 @@ bool Channel::ChannelImpl::StartWrite() {
   OVERLAPPED* const operation = &output_state_.context.overlapped;
   const DWORD size = msg.GetToWrite();
   DWORD written = 0;
-  if (api_.write(pipe_.get(), msg.GetWritePos(), size, &written, operation))
+  if (api_.write(pipe_.get(), msg.GetWritePos(), size, &written, operation)) {
     port_.CompletedAtOnce(operation, written);
-  else if (GetLastError() == ERROR_IO_PENDING)
+    CMM_TRACE("sent message @" << &msg << " on channel @" << this << " with len " << size);
+  } else if (GetLastError() == ERROR_IO_PENDING) {
     written = size;
-  else
+    CMM_TRACE("sent pending message @" << &msg << " on channel @" << this << " with len " << size);
+  } else {
     return false;
+  }
   msg.SetWritten(written);
   output_state_.is_pending = true;
   return true;
