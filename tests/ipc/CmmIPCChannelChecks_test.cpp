@@ -94,6 +94,7 @@ TEST_F(ChannelChecksTest, ACompletionOfNeitherSideIsReported) {
 
 TEST_F(ChannelChecksTest, AWriteBeforeThePeerIsThereIsReported) {
   const auto impl = Make(MODE_SERVER);
+  impl->Connect();
   impl->Send(std::unique_ptr<Cmm::CmmMQ_Msg>(NewMessage(9, "early")));
   impl->OnIOCompleted(Access::OutputContext(*impl), 0, 0);
   ExpectReported("!waiting_connect_.");
