@@ -440,7 +440,10 @@ void CCmmPerfTelemetryThreadProc::SetRunning(bool running) {
   m_running = running;
 }
 
+// Only the first call of a round reaches the system: a queue that stays long asks for every entry. As with
+// the event itself, a call that falls into the end of a round may be lost, and the next one is not.
 void CCmmPerfTelemetryThreadProc::Wake() {
+  if (m_event == nullptr || m_isWoken.load(std::memory_order_relaxed) || m_isWoken.exchange(true)) return;
   const DWORD lastError = GetLastError();
   SetEvent(m_event);
   SetLastError(lastError);
@@ -459,6 +462,7 @@ unsigned int CCmmPerfTelemetryThreadProc::ThreadProc() {
       lastSend = g_perfTelemetrySystem.now();
     }
     ResetEvent(m_event);
+    m_isWoken = false;  // behind the event: the other way round it could stay set while the event is not
   }
   return 0;
 }

@@ -48,6 +48,7 @@ class CCmmPerfTelemetryThreadProc final : public IThread {
 
  private:
   std::atomic<void*> m_event = nullptr;  // set: the wait ends; the thread resets it behind each round
+  std::atomic<bool> m_isWoken = false;
   std::atomic<bool> m_running = false;
 };
 

@@ -186,7 +186,37 @@ void CCmmPerfTelemetry::ThreadEvents::Finish(PerfTelemetryStartEntry& start, con
   const bool isHeartbeat = end.events.heartbeat_event != e_chat_perfmetrics_Perfmetrics_heartbeat_event{};
   const uint32_t threshold = isHeartbeat ? GetHeartbeatThreshold() : GetStackThreshold();
   if (!internal::IsWorthReporting(cost, threshold, end.events.result, end.events.sub_result)) return;
+  if (internal::IsAggregated(cost, end.events.result))
+    Aggregate(start, end.events, cost, stacks);
+  else if (collected.finished.size() < internal::kMaxFinishedRecords)
+    collected.finished.push_back(MakeRecord(start, end.events, cost, stacks));
+}
 
+void CCmmPerfTelemetry::ThreadEvents::Aggregate(PerfTelemetryStartEntry& start,
+                                                const VelmPTPAAP::PerfMetricsEvents_s& events, uint64_t cost,
+                                                internal::StackTable* stacks) {
+  const auto found = collected.aggregates.find(events);
+  if (found == collected.aggregates.end()) {
+    if (collected.aggregates.size() < internal::kMaxAggregates)
+      collected.aggregates.emplace(events, MakeRecord(start, events, cost, stacks));
+    return;
+  }
+  Record& aggregate = found->second;
+  if (!internal::MergeCall(aggregate, cost)) {
+    ++event_index_;  // a number is used up although no record bears it
+    return;
+  }
+  Record slowest = MakeRecord(start, events, cost, stacks);
+  slowest.count = aggregate.count;
+  slowest.average_cost = aggregate.average_cost;
+  slowest.min_cost = aggregate.min_cost;
+  aggregate = std::move(slowest);
+}
+
+// Asks the system for the memory in use, so it is called only for a record that will be kept.
+auto CCmmPerfTelemetry::ThreadEvents::MakeRecord(PerfTelemetryStartEntry& start,
+                                                 const VelmPTPAAP::PerfMetricsEvents_s& events, uint64_t cost,
+                                                 internal::StackTable* stacks) -> Record {
   Record record;
   SetBasicMetricsInfo(record, cost);
   if (stacks != nullptr && IsEnablePerformanceMetrics()) {
@@ -194,38 +224,10 @@ void CCmmPerfTelemetry::ThreadEvents::Finish(PerfTelemetryStartEntry& start, con
     std::string text = internal::TakeStackText(*stacks);
     if (text.size() > kEmptyList) record.stack_log = std::move(text);
   }
-  record.events = end.events;
-  if (internal::IsAggregated(cost, end.events.result))
-    Aggregate(std::move(record), start);
-  else
-    AppendToList(std::move(record), start);
-}
-
-void CCmmPerfTelemetry::ThreadEvents::Aggregate(Record&& record, PerfTelemetryStartEntry& start) {
-  const auto found = collected.aggregates.find(record.events);
-  if (found == collected.aggregates.end()) {
-    if (collected.aggregates.size() >= internal::kMaxAggregates) return;
-    record.index = event_index_++;
-    SetMetricsInfoAttribs(record, start);
-    VelmPTPAAP::PerfMetricsEvents_s identity = record.events;
-    collected.aggregates.emplace(std::move(identity), std::move(record));
-    return;
-  }
-  Record& aggregate = found->second;
-  record.index = event_index_++;  // also of a call that leaves the record as it is
-  if (!internal::MergeCall(aggregate, record.cost)) return;
-  record.count = aggregate.count;
-  record.average_cost = aggregate.average_cost;
-  record.min_cost = aggregate.min_cost;
-  SetMetricsInfoAttribs(record, start);
-  aggregate = std::move(record);
-}
-
-void CCmmPerfTelemetry::ThreadEvents::AppendToList(Record&& record, PerfTelemetryStartEntry& start) {
-  if (collected.finished.size() >= internal::kMaxFinishedRecords) return;
   record.index = event_index_++;
+  record.events = events;
   SetMetricsInfoAttribs(record, start);
-  collected.finished.push_back(std::move(record));
+  return record;
 }
 
 // ---- Sending
@@ -266,9 +268,13 @@ auto CCmmPerfTelemetry::ThreadEventsPool::Take() -> std::shared_ptr<ThreadEvents
       m_free.pop_back();
     }
   }
-  if (!events) events = std::make_unique<ThreadEvents>();
-  events->queue.reserve(internal::kReservedEntries);
-  return {events.release(), [this](ThreadEvents* unused) { PutBack(unused); }};
+  try {
+    if (!events) events = std::make_unique<ThreadEvents>();
+    events->queue.reserve(internal::kReservedEntries);
+    return {events.release(), [this](ThreadEvents* unused) { PutBack(unused); }};
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 // What it holds ends outside of its lock. A thread that still finds it sees that it is nobody's.

@@ -124,10 +124,12 @@ struct CCmmPerfTelemetry::ThreadEvents {
   void NoteLoginStart(const VelmPTPAAP::PerfMetricsEvents_s& events);
   void FinishLogin(const PerfEventEntry& entry);
 
-  // `stacks` is null for an event without a call record, and is emptied when there is a record.
+  // `stacks` is null for an event without a call record; it is emptied when a record takes its text.
   void Finish(PerfTelemetryStartEntry& start, const PerfEventEntry& end, internal::StackTable* stacks);
-  void Aggregate(Record&& record, PerfTelemetryStartEntry& start);
-  void AppendToList(Record&& record, PerfTelemetryStartEntry& start);
+  void Aggregate(PerfTelemetryStartEntry& start, const VelmPTPAAP::PerfMetricsEvents_s& events, uint64_t cost,
+                 internal::StackTable* stacks);
+  static Record MakeRecord(PerfTelemetryStartEntry& start, const VelmPTPAAP::PerfMetricsEvents_s& events,
+                           uint64_t cost, internal::StackTable* stacks);
 };
 
 // Where each ThreadEvents comes from, and where it goes with its last user.

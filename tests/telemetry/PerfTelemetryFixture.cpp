@@ -97,6 +97,7 @@ PerfTelemetryTest::PerfTelemetryTest() {
   CCmmPerfTelemetry::PerfTelemetryInit(kAppStartTicks, "pid-7");
   CCmmPerfTelemetry::EnablePerformanceMetrics(1, &m_helper);
   FakeSystem::SetTicks(kStartTicks);
+  EXPECT_TRUE(FakeSystem::GoARound());  // takes back what woke the thread before this one
 }
 
 PerfTelemetryTest::~PerfTelemetryTest() {
