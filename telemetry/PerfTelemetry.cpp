@@ -443,7 +443,7 @@ void CCmmPerfTelemetryThreadProc::SetRunning(bool running) {
 // Only the first call of a round reaches the system: a queue that stays long asks for every entry. As with
 // the event itself, a call that falls into the end of a round may be lost, and the next one is not.
 void CCmmPerfTelemetryThreadProc::Wake() {
-  if (m_event == nullptr || m_isWoken.load(std::memory_order_relaxed) || m_isWoken.exchange(true)) return;
+  if (m_event == nullptr || m_isWoken || m_isWoken.exchange(true)) return;
   const DWORD lastError = GetLastError();
   SetEvent(m_event);
   SetLastError(lastError);

@@ -29,7 +29,6 @@
 #include "common/client/utility/src/CmmTimeValue.h"
 #include "telemetry/PerfMetricsRecord.h"
 #include "telemetry/PerfTelemetryEvents.h"
-#include "telemetry/PerfTelemetryRules.h"
 
 namespace Cmm {
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -129,6 +130,13 @@ struct PerfMetricsEvents_s {
 }  // namespace VelmPTPAAP
 
 namespace Cmm::internal {
+
+struct CStringHash {
+  template <typename T>
+  size_t operator()(const CStringT<T>& text) const {
+    return std::hash<std::basic_string<T>>()(text);
+  }
+};
 
 // The code of the first event set, in the order fetch 0, fetch handler 100, file 200, heartbeat 300, login
 // 400, message 500, message handler 600, platform 700, which are added to it; 0 when none is set.

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -13,13 +12,6 @@
 #include "telemetry/PerfMetricsRecord.h"
 
 namespace Cmm::internal {
-
-struct CStringHash {
-  template <typename T>
-  size_t operator()(const CStringT<T>& text) const {
-    return std::hash<std::basic_string<T>>()(text);
-  }
-};
 
 // ---- Bounds ----------------------------------------------------------------------------------------------
 
