@@ -93,8 +93,7 @@ std::unordered_map<CStringT<wchar_t>, CStringT<wchar_t>, internal::CStringHash> 
 CCmmPerfTelemetryThreadProc CCmmPerfTelemetry::thread_proc_;
 CThread CCmmPerfTelemetry::work_thread_;
 
-// ---- Lifecycle
-// -----------------------------------------------------------------------------------------------
+// ---- Lifecycle --------------------------------------------------------------------------------------
 
 void CCmmPerfTelemetry::PerfTelemetryInit(uint64_t appStartTicks, const CStringT<char>& pID) {
   internal::WriteDebugText((std::string("CCmmPerfTelemetry::PerfTelemetryInit pID: ") + pID.c_str()).c_str());
@@ -161,8 +160,7 @@ bool CCmmPerfTelemetry::IsEnableSendMetrics() {
   return bSendEnabled_;
 }
 
-// ---- Thresholds and state
-// ------------------------------------------------------------------------------------
+// ---- Thresholds and state ---------------------------------------------------------------------------
 
 void CCmmPerfTelemetry::SetHeartbeatThreshold(uint32_t ms) {
   Store(heartbeat_timecost_threashold_, ms);
@@ -219,8 +217,7 @@ int CCmmPerfTelemetry::GetMemoryUsage(int& loadPercent, int& processMB) {
   return 1;
 }
 
-// ---- Reporting
-// -----------------------------------------------------------------------------------------------
+// ---- Reporting --------------------------------------------------------------------------------------
 
 template <typename... Fields>
 int CCmmPerfTelemetry::AddEntry(Fields&&... fields) {
@@ -327,8 +324,7 @@ int CCmmPerfTelemetry::PopUniqueID(const CStringT<wchar_t>& key, CStringT<wchar_
 
 void CCmmPerfTelemetry::CheckEvent(const VelmPTPAAP::PerfMetricsEvents_s&) {}
 
-// ---- The map of threads
-// --------------------------------------------------------------------------------------
+// ---- The map of threads -----------------------------------------------------------------------------
 
 auto CCmmPerfTelemetry::GetThreadTelemetry() -> std::shared_ptr<ThreadEvents> {
   const std::thread::id self = std::this_thread::get_id();
@@ -367,8 +363,7 @@ std::vector<std::shared_ptr<CCmmPerfTelemetry::ThreadEvents>> CCmmPerfTelemetry:
   return threads;
 }
 
-// ---- The work thread
-// -----------------------------------------------------------------------------------------
+// ---- The work thread --------------------------------------------------------------------------------
 
 void CCmmPerfTelemetry::DoConsumeEvents() {
   std::vector<PerfEventEntry> entries;

@@ -56,7 +56,7 @@ class CCmmPerfTelemetryThreadProc final : public IThread {
 // "The master switch" is whether anything is collected at all; it goes on with PerfTelemetryInit.
 class CMM_EXPORT CCmmPerfTelemetry {
  public:
-  // ---- Lifecycle -------------------------------------------------------------------------------------
+  // ---- Lifecycle ------------------------------------------------------------------------------------
 
   // Forgets everything collected, sets the thresholds to their defaults (200 ms for heartbeats, 20 ms for all
   // else), turns the master switch on and starts the work thread unless it runs. The calling thread's logins
@@ -83,7 +83,7 @@ class CMM_EXPORT CCmmPerfTelemetry {
   static void SetStackThreshold(uint32_t ms);  // for all events but heartbeats, and for the calls inside them
   static uint32_t GetStackThreshold();
 
-  // ---- State that goes into records ------------------------------------------------------------------
+  // ---- State that goes into records -----------------------------------------------------------------
 
   static int HasUrgentEvent();  // a record wants sending at the work thread's next round
   static void SetUrgentEvent(int urgent);
@@ -142,14 +142,14 @@ class CMM_EXPORT CCmmPerfTelemetry {
   static int AddPerfTelemetryEvent(VelmPTPAAP::PerfMetricsEvents_s events, PerfTelemetryStrTags strTags,
                                    PerfTelemetryIntTags intTags, uint64_t cost, int extra = 0);
 
-  // ---- Unique ids: one table for the process, without a lock ------------------------------------------
+  // ---- Unique ids: one table for the process, without a lock ----------------------------------------
 
   // Keeps `value` under `key` while the master switch is on; a value that is there already stays.
   void PushUniqueID(const CStringT<wchar_t>& key, const CStringT<wchar_t>& value);
   // Takes the value out and answers 1; 0 with `out` as it was when there is none.
   int PopUniqueID(const CStringT<wchar_t>& key, CStringT<wchar_t>& out);
 
-  // ---- The work thread's rounds: for the work thread, or while it waits --------------------------------
+  // ---- The work thread's rounds: for the work thread, or while it waits -----------------------------
 
   static void DoConsumeEvents();  // works off all queues
   static void DoSendEvents();     // gives all records to the helper; without one drops them

@@ -77,7 +77,7 @@ CMM_EXPORT std::string MetricsMessageHandlerEventToString(
 CMM_EXPORT std::string MetricsPlatformEventToString(e_chat_perfmetrics_Perfmetrics_platform_event event);
 CMM_EXPORT std::string MetricsFileEventToString(e_chat_perfmetrics_Perfmetrics_file_event event);
 
-// ---- Tags: each sets one field of the record -------------------------------------------------------------
+// ---- Tags: each sets one field of the record --------------------------------------------------------
 
 enum class e_chat_perfmetrics_Perfmetrics_event_tag_str : int32_t {
   str_1 = 1,
@@ -106,8 +106,7 @@ using PerfTelemetryIntTags = std::map<e_chat_perfmetrics_Perfmetrics_event_tag_i
 
 }  // namespace Cmm
 
-// ---- Identity
-// ----------------------------------------------------------------------------------------------
+// ---- Identity ---------------------------------------------------------------------------------------
 
 namespace VelmPTPAAP {
 

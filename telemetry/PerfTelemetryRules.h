@@ -13,7 +13,7 @@
 
 namespace Cmm::internal {
 
-// ---- Bounds ----------------------------------------------------------------------------------------------
+// ---- Bounds -----------------------------------------------------------------------------------------
 
 inline constexpr size_t kReservedEntries = 1024;    // of a queue, from its creation
 inline constexpr size_t kMaxQueuedEntries = 10000;  // a queue that holds them refuses
@@ -27,7 +27,7 @@ inline constexpr int64_t kSendPeriodUs = 300000000;
 inline constexpr uint32_t kDefaultHeartbeatThresholdMs = 200;
 inline constexpr uint32_t kDefaultStackThresholdMs = 20;
 
-// ---- Decisions -------------------------------------------------------------------------------------------
+// ---- Decisions --------------------------------------------------------------------------------------
 
 // Whether an event goes into a record: it was slow, or it failed. A threshold of 0 lets no success through.
 constexpr bool IsWorthReporting(uint64_t cost, uint32_t threshold, int result, int subResult) {
@@ -55,7 +55,7 @@ CStringT<wchar_t> WideEventKey(int eventCode, const CStringT<wchar_t>& key);
 // The share of the working set in a record; 0 when it is unknown or the machine has no memory to speak of.
 int ProcessMegabytes(std::optional<uint64_t> workingSet, uint64_t totalPhysical);
 
-// ---- Records ---------------------------------------------------------------------------------------------
+// ---- Records ----------------------------------------------------------------------------------------
 
 // Counts one more call with `cost` into the average, the minimum and the count of an aggregate. Whether it is
 // the slowest so far; its cost and all else of it the caller then takes over.
@@ -65,7 +65,7 @@ bool MergeCall(VelmPTPAAP::VClientPerfMetricsInfo_s& aggregate, uint64_t cost);
 void SetTagFields(VelmPTPAAP::VClientPerfMetricsInfo_s& record, const PerfTelemetryStrTags& strTags,
                   const PerfTelemetryIntTags& intTags);
 
-// ---- Call records ----------------------------------------------------------------------------------------
+// ---- Call records -----------------------------------------------------------------------------------
 
 // The calls of one method inside an event.
 struct CallRecord {

@@ -20,8 +20,7 @@ CStringT<wchar_t> WideKeyOf(const VelmPTPAAP::PerfMetricsEvents_s& events, const
 
 }  // namespace
 
-// ---- Pairing
-// -------------------------------------------------------------------------------------------------
+// ---- Pairing ----------------------------------------------------------------------------------------
 
 void CCmmPerfTelemetry::ThreadEvents::Consume(PerfEventEntry& entry) {
   switch (entry.kind) {
@@ -135,8 +134,7 @@ void CCmmPerfTelemetry::ThreadEvents::ConsumeEvent(PerfEventEntry& entry) {
   Finish(start, entry, nullptr);
 }
 
-// ---- Logins
-// --------------------------------------------------------------------------------------------------
+// ---- Logins -----------------------------------------------------------------------------------------
 
 void CCmmPerfTelemetry::ThreadEvents::NoteLoginStart(const VelmPTPAAP::PerfMetricsEvents_s& events) {
   if (events.login_event == LoginEvent::app_login) {
@@ -177,8 +175,7 @@ void CCmmPerfTelemetry::ThreadEvents::FinishLogin(const PerfEventEntry& entry) {
   thread_proc_.Wake();
 }
 
-// ---- Finishing
-// -----------------------------------------------------------------------------------------------
+// ---- Finishing --------------------------------------------------------------------------------------
 
 void CCmmPerfTelemetry::ThreadEvents::Finish(PerfTelemetryStartEntry& start, const PerfEventEntry& end,
                                              internal::StackTable* stacks) {
@@ -230,8 +227,7 @@ auto CCmmPerfTelemetry::ThreadEvents::MakeRecord(PerfTelemetryStartEntry& start,
   return record;
 }
 
-// ---- Sending
-// -------------------------------------------------------------------------------------------------
+// ---- Sending ----------------------------------------------------------------------------------------
 
 auto CCmmPerfTelemetry::ThreadEvents::TakeRecords() -> std::vector<Record> {
   std::vector<Record> records = std::exchange(collected.finished, {});
@@ -254,8 +250,7 @@ void CCmmPerfTelemetry::ThreadEvents::PurgeOldStarts(uint64_t now) {
   });
 }
 
-// ---- Pool
-// ----------------------------------------------------------------------------------------------------
+// ---- Pool -------------------------------------------------------------------------------------------
 
 CCmmPerfTelemetry::ThreadEventsPool::~ThreadEventsPool() = default;
 

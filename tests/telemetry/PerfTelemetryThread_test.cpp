@@ -57,8 +57,7 @@ class PerfTelemetryPairs : public PerfTelemetryTest {
   }
 };
 
-// ---- Plain events
-// --------------------------------------------------------------------------------------------
+// ---- Plain events -----------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, AnEndWithoutAStartVanishes) {
   End(Platform(1, 1), 5000);
@@ -165,8 +164,7 @@ TEST_F(PerfTelemetryPairs, AnEndConsumedWithTheMasterSwitchOffIsDropped) {
   EXPECT_TRUE(Send().empty());
 }
 
-// ---- Thresholds
-// ----------------------------------------------------------------------------------------------
+// ---- Thresholds -------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, APlainEventOf19MsIsDroppedAndWithResult1Reported) {
   Report(Platform(1), 19);
@@ -213,8 +211,7 @@ TEST_F(PerfTelemetryPairs, AThresholdOf0DropsAllSuccesses) {
   EXPECT_TRUE(Send().empty());
 }
 
-// ---- The record
-// ----------------------------------------------------------------------------------------------
+// ---- The record -------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, ARecordHoldsWhatAllRecordsHave) {
   Report(Platform(1), 30);
@@ -253,8 +250,7 @@ TEST_F(PerfTelemetryPairs, RecordsAreNumberedFrom0) {
   EXPECT_EQ(Of(records, 4).index, 2u);
 }
 
-// ---- Aggregates
-// ----------------------------------------------------------------------------------------------
+// ---- Aggregates -------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, SuccessesOfAnIdentityAreMerged) {
   for (const uint64_t cost : {50, 30, 40})
@@ -375,8 +371,7 @@ TEST_F(PerfTelemetryPairs, TheBoundsHoldBetweenTwoSends) {
   }
 }
 
-// ---- Events with a key
-// ---------------------------------------------------------------------------------------
+// ---- Events with a key ------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, EventsOfOneIdentityAreToldApartByTheirKeys) {
   StartWithID(Platform(1), L"a", 5000);
@@ -439,8 +434,7 @@ TEST_F(PerfTelemetryPairs, NoLoginHandlingAppliesToEventsWithAKey) {
   EXPECT_EQ(SendOne().xmpp_reconnect, 0);
 }
 
-// ---- Instantaneous events
-// ------------------------------------------------------------------------------------
+// ---- Instantaneous events ---------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, AnEventIsStartAndEndInOne) {
   EXPECT_EQ(
@@ -465,8 +459,7 @@ TEST_F(PerfTelemetryPairs, EventsAreMergedLikeOthers) {
   EXPECT_EQ(SendOne().count, 2u);
 }
 
-// ---- Call records
-// --------------------------------------------------------------------------------------------
+// ---- Call records -----------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, CallsInsideAnEventStandInItsRecord) {
   StartWStack(Platform(1), L"k");
@@ -560,8 +553,7 @@ TEST_F(PerfTelemetryPairs, TheValueOfAnEventWithACallRecordIsThatOfTheStart) {
   EXPECT_EQ(SendOne().events.value, 17u);
 }
 
-// ---- Logins
-// --------------------------------------------------------------------------------------------------
+// ---- Logins -----------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, ALoginTotalNeedsNoStart) {
   End(Login(LoginEvent::im_ready), 9000);
@@ -670,8 +662,7 @@ TEST_F(PerfTelemetryPairs, ALoginTotalIsUrgentAndWakesTheWorkThread) {
   EXPECT_TRUE(FakeSystem::IsWoken());
 }
 
-// ---- Sending
-// -------------------------------------------------------------------------------------------------
+// ---- Sending ----------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetryPairs, TheListIsSentBeforeTheAggregates) {
   Report(Platform(1), 30);

@@ -153,7 +153,7 @@ void ControlWhileProducing(const std::function<void()>& control) {
   std::vector<std::jthread> producers;
   for (int i = 0; i < kThreads; ++i)
     producers.emplace_back([&] { ReportUntil(end); });
-  for (int i = 0; i < 30; ++i)
+  for (int i = 0; i < 20; ++i)
     control();
   end = true;
 }

@@ -34,8 +34,7 @@ int AddOneOfEachKind() {
          CCmmPerfTelemetry::AddPerfTelemetryEvent(Platform(1), {}, {}, 1);
 }
 
-// ---- Without the lifecycle
-// -----------------------------------------------------------------------------------
+// ---- Without the lifecycle --------------------------------------------------------------------------
 
 TEST(PerfTelemetryBeforeInit, IsOffAndRefuses) {
   EXPECT_EQ(CCmmPerfTelemetry::IsEnablePerformanceMetrics(), 0);
@@ -62,8 +61,7 @@ TEST(PerfTelemetryBeforeInit, TerminatingDoesNothing) {
   EXPECT_EQ(CCmmPerfTelemetry::IsEnablePerformanceMetrics(), 0);
 }
 
-// ---- Lifecycle
-// -----------------------------------------------------------------------------------------------
+// ---- Lifecycle --------------------------------------------------------------------------------------
 
 TEST(PerfTelemetryLifecycle, InitAndTermSayTheProcessIdentifierToTheDebugger) {
   std::vector<std::string> texts;
@@ -169,8 +167,7 @@ TEST_F(PerfTelemetry, InitEndsTheReconnection) {
   EXPECT_EQ(SendOne().xmpp_reconnect, 0);
 }
 
-// ---- Switches
-// ------------------------------------------------------------------------------------------------
+// ---- Switches ---------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetry, EnablingSetsTheMasterSwitchToTheValueAndTheSendSwitchToItsTruth) {
   CCmmPerfTelemetry::EnablePerformanceMetrics(5, &m_helper);
@@ -216,8 +213,7 @@ TEST_F(PerfTelemetry, ThresholdsAndTheUrgentFlagReadAsWritten) {
   EXPECT_EQ(CCmmPerfTelemetry::HasUrgentEvent(), 0);
 }
 
-// ---- Reconnection
-// --------------------------------------------------------------------------------------------
+// ---- Reconnection -----------------------------------------------------------------------------------
 
 void SignOn() {
   CCmmPerfTelemetry::AddPerfTelemetryStart(Login(LoginEvent::xmpp_signon), {}, {}, 1);
@@ -269,8 +265,7 @@ TEST_F(PerfTelemetry, ReconnectionAndLogoutDoNothingWithTheMasterSwitchOff) {
   EXPECT_EQ(SendOne().xmpp_reconnect, 1);
 }
 
-// ---- GUIDs and unique ids
-// ------------------------------------------------------------------------------------
+// ---- GUIDs and unique ids ---------------------------------------------------------------------------
 
 TEST_F(PerfTelemetry, GuidsAreTheGuidOfTheProcessAndANumberFrom0) {
   CStringT<wchar_t> first = L"old";
@@ -321,8 +316,7 @@ TEST_F(PerfTelemetry, UniqueIdsAreKeptOnlyWithTheMasterSwitchOn) {
   EXPECT_EQ(telemetry.PopUniqueID(L"before", value), 1);
 }
 
-// ---- Queues
-// --------------------------------------------------------------------------------------------------
+// ---- Queues -----------------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetry, The256thEntryWakesTheWorkThread) {
   for (int i = 0; i < 255; ++i)
@@ -381,8 +375,7 @@ TEST_F(PerfTelemetry, AThreadGoesOnReportingAfterCleaningUp) {
   }
 }
 
-// ---- The work thread
-// -----------------------------------------------------------------------------------------
+// ---- The work thread --------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetry, TheWorkThreadWaitsFiveMinutesAtMost) {
   EXPECT_TRUE(FakeSystem::GoARound());
