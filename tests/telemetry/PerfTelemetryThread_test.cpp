@@ -532,6 +532,17 @@ TEST_F(PerfTelemetryPairs, AStartBeginsWithAnEmptyCallRecord) {
   EXPECT_EQ(SendOne().stack_log, R"([{"m":"second","f":"src","t":"30"}])");
 }
 
+TEST_F(PerfTelemetryPairs, AnEventThatNestsInItselfEndsWithItsFirstEnd) {
+  StartWStack(Platform(1), L"k", 5000);
+  StartWStack(Platform(1), L"k", 5010);
+  EndWStack(Platform(1), L"k", 5100);
+  Call("call", 30);
+  EndWStack(Platform(1), L"k", 5200);
+  const Record record = SendOne();
+  EXPECT_EQ(record.cost, 90u);
+  EXPECT_EQ(record.stack_log, "");
+}
+
 TEST_F(PerfTelemetryPairs, TheSlowestCallOfAnAggregateBringsItsCallRecord) {
   StartWStack(Platform(1), L"a");
   Call("first", 30);
@@ -723,6 +734,20 @@ TEST_F(PerfTelemetryPairs, APurgedStartTakesItsCallRecordAlong) {
   Call("call", 30);  // no table takes it
   EndWStack(Platform(1, 1), L"k", 305001);
   EXPECT_TRUE(Send().empty());
+}
+
+TEST_F(PerfTelemetryPairs, TheCallsOfTheOuterEventAreLostAfterAPurgeOfTheInnerOne) {
+  StartWStack(Platform(1), L"outer", 300000);
+  StartWStack(Platform(2), L"inner", 5000);
+  FakeSystem::SetTicks(305001);
+  Send();
+  Call("call", 30);
+  EndWStack(Platform(2), L"inner", 305001);
+  Call("call", 30);
+  EndWStack(Platform(1), L"outer", 305001);
+  const Record record = SendOne();
+  EXPECT_EQ(record.events.platform_event, static_cast<PlatformEvent>(1));
+  EXPECT_EQ(record.stack_log, "");
 }
 
 }  // namespace

@@ -375,6 +375,18 @@ TEST_F(PerfTelemetry, AThreadGoesOnReportingAfterCleaningUp) {
   }
 }
 
+TEST_F(PerfTelemetry, AThreadDoesNotReportIntoWhatAnotherTookOverFromIt) {
+  Report(Platform(1), 30);
+  CCmmPerfTelemetry::EnablePerformanceMetrics(0, &m_helper);
+  CCmmPerfTelemetry::EnablePerformanceMetrics(1, &m_helper);
+  std::thread([] { Report(Platform(1), 40); }).join();
+  Report(Platform(1), 50);
+  const auto records = Send();
+  ASSERT_EQ(records.size(), 2u);
+  EXPECT_EQ(records[0].count + records[1].count, 0u);
+  EXPECT_EQ(records[0].cost + records[1].cost, 90u);
+}
+
 // ---- The work thread --------------------------------------------------------------------------------
 
 TEST_F(PerfTelemetry, TheWorkThreadWaitsFiveMinutesAtMost) {
