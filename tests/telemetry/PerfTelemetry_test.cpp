@@ -2,6 +2,8 @@
 
 #include "telemetry/PerfTelemetry.h"
 
+#include <atomic>
+#include <chrono>
 #include <cwchar>
 #include <string>
 #include <thread>
@@ -33,6 +35,20 @@ int AddOneOfEachKind() {
          CCmmPerfTelemetry::AddPerfTelemetryStacks("m", "f", 1) +
          CCmmPerfTelemetry::AddPerfTelemetryEvent(Platform(1), {}, {}, 1);
 }
+
+// Holds its caller up until it may end.
+class GatedHelper : public Cmm::IPerfTelemetryHelper {
+ public:
+  void SendPerfMetrics(const Record&) override {
+    begun = true;
+    EXPECT_TRUE(WaitUntil([&] { return mayEnd.load(); }));
+    ended = true;
+  }
+
+  std::atomic<bool> begun = false;
+  std::atomic<bool> mayEnd = false;
+  std::atomic<bool> ended = false;
+};
 
 // ---- Without the lifecycle --------------------------------------------------------------------------
 
@@ -101,17 +117,7 @@ TEST(PerfTelemetryLifecycle, TermLeavesTheSendSwitchAndTheHelperAsTheyWere) {
 }
 
 TEST(PerfTelemetryLifecycle, TermWaitsForTheWorkThreadAndItsHelper) {
-  struct SlowHelper : Cmm::IPerfTelemetryHelper {
-    void SendPerfMetrics(const Record&) override {
-      begun = true;
-      while (!mayEnd)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      ended = true;
-    }
-    std::atomic<bool> begun = false;
-    std::atomic<bool> mayEnd = false;
-    std::atomic<bool> ended = false;
-  } helper;
+  GatedHelper helper;
   CCmmPerfTelemetry::PerfTelemetryInit(0, "pid");
   CCmmPerfTelemetry::EnablePerformanceMetrics(1, &helper);
   EndLogin();
@@ -385,6 +391,23 @@ TEST_F(PerfTelemetry, AThreadDoesNotReportIntoWhatAnotherTookOverFromIt) {
   ASSERT_EQ(records.size(), 2u);
   EXPECT_EQ(records[0].count + records[1].count, 0u);
   EXPECT_EQ(records[0].cost + records[1].cost, 90u);
+}
+
+TEST_F(PerfTelemetry, AThreadDoesNotReportIntoWhatASendStillHolds) {
+  GatedHelper helper;
+  CCmmPerfTelemetry::EnablePerformanceMetrics(1, &helper);
+  Report(Platform(1, 1), 30);
+  std::jthread sender([] {
+    CCmmPerfTelemetry::DoConsumeEvents();
+    CCmmPerfTelemetry::DoSendEvents();
+  });
+  EXPECT_TRUE(WaitUntil([&] { return helper.begun.load(); }));
+  CCmmPerfTelemetry::EnablePerformanceMetrics(0, &m_helper);
+  CCmmPerfTelemetry::EnablePerformanceMetrics(1, &m_helper);
+  Report(Platform(1, 1), 40);
+  helper.mayEnd = true;
+  sender.join();
+  EXPECT_EQ(SendOne().cost, 40u);
 }
 
 // ---- The work thread --------------------------------------------------------------------------------
