@@ -444,6 +444,7 @@ void CCmmPerfTelemetryThreadProc::Wake() {
   SetLastError(lastError);
 }
 
+// Looks before each wait whether it is to end: a call to wake it may have been lost at the end of a round.
 unsigned int CCmmPerfTelemetryThreadProc::ThreadProc() {
   int64_t lastSend = g_perfTelemetrySystem.now();
   while (m_running) {
