@@ -3,6 +3,7 @@
 
 #include "archive/ArchiveServiceImp.h"
 #include "common/client/utility/src/ipc/CmmMessageQueueService.h"
+#include "module/ModuleLoader.h"
 
 namespace Cmm {
 namespace {
@@ -10,6 +11,7 @@ namespace {
 struct ProcessObjects {
   Archive::CCmmArchiveServiceImp archiveService;  // first: every message class registers with it
   MQ::CCmmMessageQueueService messageQueueService;
+  module::CCmmModuleLoader moduleLoader;  // with the registry in it
 };
 
 // Before every static object of default priority, for these may be messages.
@@ -24,6 +26,10 @@ Archive::CCmmArchiveServiceImp* Archive::CCmmArchiveServiceImp::GetImp() {
 
 MQ::CCmmMessageQueueService* MQ::CCmmMessageQueueService::GetProcessService() {
   return &processObjects.messageQueueService;
+}
+
+module::CCmmModuleLoader* module::CCmmModuleLoader::GetProcessLoader() {
+  return &processObjects.moduleLoader;
 }
 
 }  // namespace Cmm
