@@ -4,6 +4,7 @@
 #include "archive/ArchiveServiceImp.h"
 #include "common/client/utility/src/CmmTimerSlot.h"
 #include "common/client/utility/src/ipc/CmmMessageQueueService.h"
+#include "module/ModuleLoader.h"
 
 namespace Cmm {
 namespace {
@@ -12,6 +13,7 @@ struct ProcessObjects {
   Archive::CCmmArchiveServiceImp archiveService;  // first: every message class registers with it
   MQ::CCmmMessageQueueService messageQueueService;
   internal::TimerSlot timerSlot;
+  module::CCmmModuleLoader moduleLoader;  // with the registry in it
 };
 
 // Before every static object of default priority, for these may be messages.
@@ -30,6 +32,10 @@ MQ::CCmmMessageQueueService* MQ::CCmmMessageQueueService::GetProcessService() {
 
 internal::TimerSlot& internal::TimerSlot::OfThisProcess() {
   return processObjects.timerSlot;
+}
+
+module::CCmmModuleLoader* module::CCmmModuleLoader::GetProcessLoader() {
+  return &processObjects.moduleLoader;
 }
 
 }  // namespace Cmm
