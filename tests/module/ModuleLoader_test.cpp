@@ -8,6 +8,7 @@
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "module/CmmModule.h"
+#include "telemetry/PerfTelemetry.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace {
@@ -237,6 +238,29 @@ TEST_F(ModuleLoaderTest, AModuleMayUnloadAnotherDuringABroadcast) {
   EXPECT_EQ(std::count(g_journal.begin(), g_journal.end(), "sample_good notify unload the other"), 0);
   EXPECT_EQ(g_journal.back(), "sample_other notify unload the other");
   EXPECT_FALSE(IsLoaded("sample_good.dll"));
+}
+
+class RecordingHelper : public Cmm::IPerfTelemetryHelper {
+ public:
+  void SendPerfMetrics(const VelmPTPAAP::VClientPerfMetricsInfo_s& record) override {
+    records.push_back(record);
+  }
+  std::vector<VelmPTPAAP::VClientPerfMetricsInfo_s> records;
+};
+
+TEST_F(ModuleLoaderTest, ASyncBroadcastThatTakesItsTimeIsMeasured) {
+  RecordingHelper helper;
+  Load(R"(<module name="sample_slow"/>)");
+  Cmm::CCmmPerfTelemetry::PerfTelemetryInit(1, "test");
+  Cmm::CCmmPerfTelemetry::EnablePerformanceMetrics(1, &helper);
+  Cmm::CmmInternelMsg message;
+  loader.BroadcastSyncMessageToModules("topic", &message);
+  Cmm::CCmmPerfTelemetry::DoConsumeEvents();
+  Cmm::CCmmPerfTelemetry::DoSendEvents();
+  Cmm::CCmmPerfTelemetry::PerfTelemetryTerm();
+  ASSERT_EQ(helper.records.size(), 1u);
+  EXPECT_EQ(static_cast<int>(helper.records[0].events.login_event), 9);
+  EXPECT_EQ(helper.records[0].events.fetch_event, e_chat_perfmetrics_Perfmetrics_fetch_event{});
 }
 
 // ---- At run time

@@ -38,6 +38,9 @@ class SampleModule : public Cmm::ICmmMessageQueueClient
   }
   void OnNotify(const char* topic, void* sender, Cmm::CmmMQ_Msg*, void* extra) override {
     Journal(std::string("notify ") + topic + (sender || extra ? " with more" : ""));
+#ifdef SAMPLE_SLOW
+    Sleep(50);
+#endif
 #ifdef SAMPLE_UNLOADS_OTHER
     if (std::string(topic) != "unload the other") return;
     const int result =
