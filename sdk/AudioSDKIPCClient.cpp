@@ -32,7 +32,6 @@ void CAudioSDKIPCClient::Connect(uint32_t channelId) {
 
 void CAudioSDKIPCClient::Disconnect() {
   DisconnectFrom();
-  m_exitTimer.AwaitLastTick();
 }
 
 void CAudioSDKIPCClient::BeforeOpening() {

@@ -145,7 +145,7 @@ void PipeIpcClient::DisconnectFrom() {
       m_bConnected = 0;
     }
   }
-  m_timer.AwaitLastTick();
+  TimerQueueTimer::AwaitLastTick();
 }
 
 }  // namespace Velm3rdSDK

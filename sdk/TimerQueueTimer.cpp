@@ -1,15 +1,19 @@
 #include "sdk/TimerQueueTimer.h"
 
+#include <windows.h>
+
 #include <map>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "common/client/utility/src/CmmLock.h"
+#include "common/client/utility/src/UniqueHandle.h"
 
 namespace Velm3rdSDK {
 namespace {
 
-constexpr DWORD kLastTickMs = 100;
+constexpr DWORD kLastTickMs = 1000;
 
 // The running timers' ticks by number. The system is given the number and not an address, so that a tick
 // that begins when its timer is stopped finds nothing.
@@ -17,6 +21,8 @@ struct Ticks {
   Cmm::CCritical lock;
   std::map<uintptr_t, std::shared_ptr<const std::function<void()>>> byId;
   uintptr_t lastId = 0;
+  // Of stopped timers: each is signalled by the system when the last tick of its timer has returned.
+  std::vector<Cmm::UniqueHandle> endings;
 };
 
 Ticks& AllTicks() {
@@ -25,6 +31,17 @@ Ticks& AllTicks() {
 }
 
 thread_local bool t_isInTick = false;
+
+bool HasEnded(const Cmm::UniqueHandle& ending) {
+  return WaitForSingleObject(ending.get(), 0) == WAIT_OBJECT_0;
+}
+
+// Then the timer queue's thread is gone, and no tick will return any more.
+bool IsProcessEnding() {
+  const auto isEnding = reinterpret_cast<BOOLEAN(NTAPI*)()>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
+  return isEnding && isEnding();
+}
 
 std::shared_ptr<const std::function<void()>> Find(uintptr_t id) {
   Ticks& ticks = AllTicks();
@@ -64,21 +81,34 @@ bool TimerQueueTimer::Start(uint32_t periodMs, std::function<void()> tick) {
 
 void TimerQueueTimer::Stop() {
   if (!m_timer) return;
-  {
-    Ticks& ticks = AllTicks();
-    const Cmm::CAutoLock lock(ticks.lock);
-    ticks.byId.erase(m_id);
-  }
-  AwaitLastTick();  // of the timer before, whose event would be lost
-  m_ended.reset(t_isInTick ? nullptr : CreateEventW(nullptr, TRUE, FALSE, nullptr));
-  DeleteTimerQueueTimer(nullptr, std::exchange(m_timer, nullptr), m_ended.get());
+  Cmm::UniqueHandle ended(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  Ticks& ticks = AllTicks();
+  const Cmm::CAutoLock lock(ticks.lock);
+  ticks.byId.erase(m_id);
+  DeleteTimerQueueTimer(nullptr, std::exchange(m_timer, nullptr), ended.get());
+  std::erase_if(ticks.endings, HasEnded);
+  ticks.endings.push_back(std::move(ended));
 }
 
 void TimerQueueTimer::AwaitLastTick() {
-  if (t_isInTick || !m_ended) return;
-  const bool ended = WaitForSingleObject(m_ended.get(), kLastTickMs) == WAIT_OBJECT_0;
-  Cmm::UniqueHandle event = std::move(m_ended);
-  if (!ended) static_cast<void>(event.release());  // the system will still signal it: it must not be reused
+  if (t_isInTick || IsProcessEnding()) return;
+  Ticks& ticks = AllTicks();
+  const auto takeEnding = [&ticks] {
+    const Cmm::CAutoLock lock(ticks.lock);
+    if (ticks.endings.empty()) return Cmm::UniqueHandle();
+    Cmm::UniqueHandle ending = std::move(ticks.endings.back());
+    ticks.endings.pop_back();
+    return ending;
+  };
+  const ULONGLONG start = GetTickCount64();
+  while (Cmm::UniqueHandle ending = takeEnding()) {
+    const ULONGLONG waited = GetTickCount64() - start;
+    const DWORD left = waited < kLastTickMs ? static_cast<DWORD>(kLastTickMs - waited) : 0;
+    if (WaitForSingleObject(ending.get(), left) == WAIT_OBJECT_0) continue;
+    const Cmm::CAutoLock lock(ticks.lock);
+    ticks.endings.push_back(std::move(ending));  // the system will still signal it
+    return;
+  }
 }
 
 }  // namespace Velm3rdSDK

@@ -5,8 +5,6 @@
 #include <cstdint>
 #include <functional>
 
-#include "common/client/utility/src/UniqueHandle.h"
-
 namespace Velm3rdSDK {
 
 // One thread at a time may use it.
@@ -22,17 +20,16 @@ class TimerQueueTimer {
   bool Start(uint32_t periodMs, std::function<void()> tick);
   // No tick begins after this. One that runs is not waited for: `tick` lives until it has returned.
   void Stop();
-  // Waits for a tick that runs on after Stop to leave the library's code, 100 ms at most: whoever stops a
-  // timer may unload the library next. Returns at once within a tick, of whichever timer, because ticks run
-  // one after the other.
-  void AwaitLastTick();
+  // Waits for the ticks that run on after Stop, of all timers, to leave the library's code, a second at most:
+  // whoever stops a timer may unload the library next. Returns at once within a tick, of whichever timer,
+  // because ticks run one after the other.
+  static void AwaitLastTick();
 
   bool IsRunning() const { return m_timer != nullptr; }
 
  private:
   void* m_timer = nullptr;
   uintptr_t m_id = 0;
-  Cmm::UniqueHandle m_ended;  // signalled when the stopped timer's last tick has returned
 };
 
 }  // namespace Velm3rdSDK

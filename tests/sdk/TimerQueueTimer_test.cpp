@@ -57,6 +57,24 @@ TEST(TimerQueueTimer, ATickMayStopItsOwnTimer) {
   EXPECT_EQ(ticks, 1);
 }
 
+TEST(TimerQueueTimer, ATickThatReplacedItsOwnTimerIsWaitedForAsWell) {
+  std::atomic<bool> replaced = false;
+  std::atomic<bool> left = false;
+  TimerQueueTimer timer;
+  timer.Start(10, [&] {
+    timer.Stop();
+    replaced = true;
+    Sleep(60);
+    left = true;
+  });
+  ASSERT_TRUE(WaitUntil([&] { return replaced.load(); }));
+  TimerQueueTimer other;
+  other.Start(10, [] {});
+  other.Stop();
+  TimerQueueTimer::AwaitLastTick();
+  EXPECT_TRUE(left);
+}
+
 TEST(TimerQueueTimer, ATickMayReplaceItsOwnTimer) {
   std::atomic<int> second = 0;
   TimerQueueTimer timer;
