@@ -333,6 +333,7 @@ auto CCmmPerfTelemetry::GetThreadTelemetry() -> std::shared_ptr<ThreadEvents> {
     CAutoLock<CCritical> guard(m_cs_threadmap_);
     const auto found = threadTelemetryMap_.find(self);
     if (found != threadTelemetryMap_.end()) events = found->second;
+    if (events) events->owner = GetCurrentThreadId();  // an ended thread may have had the same id
   }
   if (!events) {
     events = threadEventsPool_.Take();
