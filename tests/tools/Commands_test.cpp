@@ -58,7 +58,7 @@ TEST(CommandsTest, SelectDeviceChoosesTheFunctionByTheGuid) {
 
 TEST(CommandsTest, Watch) {
   const auto all = Line<WatchCommand>("watch");
-  EXPECT_EQ(all.features, 0x3ff);
+  EXPECT_EQ(all.features, std::nullopt);
   EXPECT_TRUE(all.general && all.family && !all.raw && !all.duration && !all.count);
   const auto some = Line<WatchCommand>("watch --features 0x80 --callbacks raw,general --seconds 3 --count 4");
   EXPECT_EQ(some.features, 0x80);
