@@ -86,6 +86,16 @@ TEST(CommandsTest, ArgumentsAreWordsAlready) {
   EXPECT_EQ(CallText(std::get<CallCommand>(options.command).call), R"j(SendMsgToVelmClient("{\"a\": 1}"))j");
 }
 
+TEST(CommandsTest, StartOfTheChannelIsPlainUnlessARouteIsAskedFor) {
+  EXPECT_EQ(ParseArguments({"version"}).start, Start::kPlain);
+  EXPECT_EQ(ParseArguments({"--audio", "audio", "5"}).start, Start::kAudio);
+  EXPECT_EQ(ParseArguments({"camera", "5", "--service"}).start, Start::kService);
+  EXPECT_EQ(ErrorOf([] {
+              ParseArguments({"--audio", "--service"});
+            }),
+            "--audio and --service exclude each other: service mode has no audio feature");
+}
+
 TEST(CommandsTest, WhatIsWrongIsSaid) {
   const std::pair<const char*, const char*> cases[] = {
       {"audoi 5", "unknown command 'audoi'; 'help' lists them"},

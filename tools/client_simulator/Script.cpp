@@ -311,7 +311,8 @@ std::optional<Step> ParseStep(std::string_view line) {
   }
   const auto [route, behind] = velm_tools::SplitFirstWord(rest);
   const Via via = ParseVia(route);
-  std::optional<Step> step = ParseWithoutVia(behind);
+  const bool isTwice = velm_tools::SplitFirstWord(behind).first == kVia;
+  std::optional<Step> step = isTwice ? std::nullopt : ParseWithoutVia(behind);
   if (!step) throw UsageError("'via' is written: via ROUTE LINE");
   SetVia(*step, via, behind);
   CheckRoute(*step, via.kind);
