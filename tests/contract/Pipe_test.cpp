@@ -15,9 +15,23 @@ using testing::HasSubstr;
 
 class PipeContract : public ContractTest {
  protected:
-  void ExpectAnnounced(const std::string& route) {
-    EXPECT_TRUE(m_client->ReadLineWith(R"("route":")" + route + "\""));
-    EXPECT_TRUE(m_client->ReadLineWith(R"("state":"announced")")) << route;
+  // The host leaves before its client does.
+  ~PipeContract() override { m_sdk.reset(); }
+
+  // Waits until this many hosts have that pipe open.
+  void ExpectOpen(const std::string& route, int hosts = 1) {
+    const std::string wanted =
+        R"({"event":"host","via":")" + route + R"(","hosts":)" + std::to_string(hosts) + "}";
+    EXPECT_TRUE(WaitUntil([&] {
+      m_client->WriteLine("via " + route + " wait-host 20");
+      return m_client->ReadLineWith(R"("event":"host")") == wanted;
+    })) << route;
+  }
+
+  // Waits until a host's pipe has been closed, and then until one is open again.
+  void ExpectOpenAgain(const std::string& route) {
+    EXPECT_TRUE(m_client->ReadLineWith(R"("state":"closed")"));
+    ExpectOpen(route);
   }
 
   void StartAudio(const std::vector<std::string>& options = {}) {
@@ -25,23 +39,19 @@ class PipeContract : public ContractTest {
     m_sdk->GetSDKAvailableFeatures();
     ASSERT_EQ(m_sdk->RegisterMsg(SDK_FEATURES_ALL), 1U);
     SetAllCallbacks();
-    if (!IsStalled(options)) ExpectAnnounced("audio");
+    ExpectOpen("audio");
   }
 
   void StartService(const std::vector<std::string>& options = {}) {
     StartClient(options);
     StartServiceWithoutClient();
-    if (!IsStalled(options)) ExpectAnnounced("service");
+    ExpectOpen("service");
   }
 
   void StartServiceWithoutClient() {
     ASSERT_EQ(m_sdk->TryRunningUnderServiceMode(), 0U);
     ASSERT_EQ(m_sdk->RegisterMsg(SDK_FEATURES_SERVICE_MODE), 1U);
     SetAllCallbacks();
-  }
-
-  static bool IsStalled(const std::vector<std::string>& options) {
-    return std::find(options.begin(), options.end(), "--stall") != options.end();
   }
 
   void Install() const {
@@ -266,7 +276,7 @@ TEST_F(PipeContract, NothingArrivesAfterDestroyAndEverythingAgainAfterTheNextSet
   Tell("via audio camera 1", 0);
   EXPECT_EQ(g_taken.general, 0);
   m_sdk->SetCallBackFunc(OnGeneral);
-  ExpectAnnounced("audio");
+  ExpectOpen("audio");
   ExpectStillAtWork("audio");
 }
 
@@ -277,7 +287,7 @@ TEST_F(PipeContract, TwoHostsHaveAnAudioPipeEach) {
   ChildProcess second(ProgramBeside(L"velm_host.exe"), {"--audio"});
   ASSERT_TRUE(second.WriteLine("watch --callbacks general"));
   ASSERT_TRUE(second.ReadLineWith("SetCallBackFunc(callback)"));
-  ExpectAnnounced("audio");
+  ExpectOpen("audio", 2);
   Tell("via audio audio 1", 2);
   EXPECT_TRUE(second.ReadLineWith("value=1 commandId=2"));
   EXPECT_TRUE(WaitUntil([] { return g_taken.general == 1; }));
@@ -314,7 +324,7 @@ TEST_F(PipeContract, ClientThatDiesIsFoundAgainWhenItIsBack) {
   for (int round = 0; round < 3; ++round) {
     m_client->Kill();
     StartClient({"--no-install"});
-    ExpectAnnounced("service");
+    ExpectOpen("service");
     EXPECT_EQ(m_sdk->SetCameraCmd(round), 0U);
     EXPECT_THAT(NextCommand(), HasSubstr("\"CameraCmd\":" + std::to_string(round)));
     ExpectStillAtWork("service");
@@ -326,7 +336,7 @@ TEST_F(PipeContract, AudioClientThatDiesInTheMiddleOfACommandIsFoundAgain) {
   EXPECT_EQ(m_sdk->SetAudioCmd(1), 0U);
   EXPECT_EQ(m_client->Wait(), 9U);
   StartClient({"--no-install"});
-  ExpectAnnounced("audio");
+  ExpectOpen("audio");
   EXPECT_EQ(m_sdk->SetAudioCmd(2), 0U);
   EXPECT_THAT(NextCommand(), HasSubstr("\"AudioCmd\":2"));
   ExpectStillAtWork("audio");
@@ -336,7 +346,7 @@ TEST_F(PipeContract, PipeThatIsDroppedIsOpenedAgain) {
   StartAudio();
   for (int round = 0; round < 5; ++round) {
     EXPECT_TRUE(m_client->WriteLine("via audio drop"));
-    ExpectAnnounced("audio");
+    ExpectOpenAgain("audio");
   }
   ExpectStillAtWork("audio");
 }
@@ -372,7 +382,7 @@ TEST_F(PipeContract, GarbageMakesTheHostDeafOnThatPipeUntilItBreaks) {
   TellAndAwait("camera 2");  // the window is not touched by it
   EXPECT_EQ(g_taken.notify.value, 2);
   EXPECT_TRUE(m_client->WriteLine("via audio drop"));
-  ExpectAnnounced("audio");
+  ExpectOpenAgain("audio");
   ExpectStillAtWork("audio");
   EXPECT_EQ(g_taken.general, 2);
 }
@@ -409,7 +419,7 @@ TEST_F(PipeContract, UnfinishedFrameOfAClientThatLeavesIsForgotten) {
   StartAudio();
   Tell("via audio bytes 64 00 00 00 49 9e 00 00 3c 63");
   EXPECT_TRUE(m_client->WriteLine("via audio drop"));
-  ExpectAnnounced("audio");
+  ExpectOpenAgain("audio");
   ExpectStillAtWork("audio");
 }
 
