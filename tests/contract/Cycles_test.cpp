@@ -99,20 +99,40 @@ class CyclesContract : public ContractTest {
     int tables;
   };
 
+  // A machine that is busy with other things may hold something of the system's back now and then, and a leak
+  // shows every time: two more hundreds of cycles are granted.
   void ExpectEachLeaves(const Left& left, const std::function<void()>& start) {
     for (int i = 0; i < kWarmUp; ++i)
       Cycle(start);
+    std::string wrong = "not measured";
+    for (int attempt = 0; attempt < 3 && !wrong.empty(); ++attempt)
+      wrong = Measure(left, start);
+    EXPECT_EQ(wrong, "");
+  }
+
+  // What a hundred cycles left behind that they should not, or did not and should; empty for nothing.
+  std::string Measure(const Left& left, const std::function<void()>& start) {
     const Use before;
     for (int i = 0; i < kCycles; ++i)
       Cycle(start);
     WaitUntil([&] { return CountThreads() <= before.threads; });
     const Use after;
-    EXPECT_EQ(after.handles - before.handles, kCycles * left.handles);
-    EXPECT_LE(after.threads, before.threads);
-    EXPECT_EQ(after.views.tables - before.views.tables, kCycles * left.tables);
-    EXPECT_EQ(after.views.others, before.views.others);
-    EXPECT_LT(after.heap.blocks, before.heap.blocks + kSlackBlocks);
-    EXPECT_LT(after.heap.bytes, before.heap.bytes + kSlackBytes);
+    std::string wrong;
+    const auto check = [&](bool isRight, const char* what, int64_t change) {
+      if (!isRight) wrong += std::string(what) + ' ' + std::to_string(change) + "; ";
+    };
+    const int handles = after.handles - before.handles;
+    check(handles == kCycles * left.handles, "handles", handles);
+    check(after.threads <= before.threads, "threads", after.threads - before.threads);
+    const int tables = after.views.tables - before.views.tables;
+    check(tables == kCycles * left.tables, "views of the device table", tables);
+    const int views = after.views.others - before.views.others;
+    check(views == 0, "other views", views);
+    const auto blocks = static_cast<int64_t>(after.heap.blocks) - static_cast<int64_t>(before.heap.blocks);
+    check(blocks < kSlackBlocks, "blocks", blocks);
+    const auto bytes = static_cast<int64_t>(after.heap.bytes) - static_cast<int64_t>(before.heap.bytes);
+    check(bytes < kSlackBytes, "bytes", bytes);
+    return wrong;
   }
 
   void Cycle(const std::function<void()>& start) {
