@@ -76,6 +76,7 @@ TEST_F(TraceProgramTest, FrameThatIsStillOnItsWayIsNotHeldBack) {
   PipePeer client = ServeReal();
   auto trace = StartRelay({"--once"});
   PipePeer host = OpenWhenServed(m_name);
+  ASSERT_TRUE(client.AwaitClient());
   const std::string frame = FrameOf(7, "split");
   for (const char byte : frame) {
     EXPECT_TRUE(host.Write(std::string(1, byte)));
@@ -89,6 +90,7 @@ TEST_F(TraceProgramTest, GarbageAndUnfinishedFramesAreCarriedAndShownAsSuch) {
   auto trace = StartRelay();
   {
     PipePeer host = OpenWhenServed(m_name);
+    ASSERT_TRUE(client.AwaitClient());
     const std::string garbage = FrameHeader(0x8000001, 1) + "garbage";
     EXPECT_TRUE(host.Write(garbage));
     EXPECT_EQ(client.Read(garbage.size()), garbage);
@@ -135,6 +137,7 @@ TEST_F(TraceProgramTest, FloodArrivesWholeAndInOrder) {
   PipePeer client = ServeReal();
   auto trace = StartRelay({"--once"});
   PipePeer host = OpenWhenServed(m_name);
+  ASSERT_TRUE(client.AwaitClient());
   constexpr int kFrames = 2000;
   std::string flood;
   for (int i = 0; i < kFrames; ++i)
@@ -159,6 +162,7 @@ TEST_F(TraceProgramTest, RecordingIsReplayedByteForByteAsEitherEnd) {
     PipePeer client = ServeReal();
     auto trace = StartRelay({"--once", "--record", file});
     PipePeer host = OpenWhenServed(m_name);
+    ASSERT_TRUE(client.AwaitClient());
     EXPECT_TRUE(host.Write(hello));
     EXPECT_EQ(client.Read(hello.size()), hello);
     EXPECT_TRUE(client.Write(answer));
