@@ -134,7 +134,8 @@ The program ends at the end of its input, at 'quit' and at Ctrl-C.
 
 Standard output: one JSON object a line, in UTF-8, by its "event":
   ready      "product" (directory, or null), "version", "windows", "servicePipe" (its name, or null),
-             "audioPipes" (true when they are made on request): from here on commands are taken
+             "audioPipes" (true when they are made on request): from here on commands are taken. A host that
+             has been waiting may be told of before
   command    "number" from 1, "route" and where it came, which is by window "window" and "dwData", and by
              audio or service "pipe", "process" (the host's, as it announced itself) and "channelId"; "bytes"
              (size with the terminator), "terminated", "text", "command" (the text parsed, or null when it
