@@ -75,8 +75,8 @@ A NAME is a channel's, such as com.velm.ipc.client3rdsdk_0 or com.velm.ipc.audio
   --wait SECONDS  how long to wait for the client's pipe, and in a replay for each frame of the peer (10)
 
 Of each frame: the time since the connection was opened, who sent it, its type and size with the header, the
-message and its fields as velm_msg decodes them. Bytes that are no frame, and a frame that is not finished when
-its sender leaves, are shown as such, the first 64 bytes in hexadecimal digits.
+message and its fields as velm_msg decodes them. Bytes that are no frame, and a frame that is not finished
+when its sender leaves, are shown as such, the first 64 bytes in hexadecimal digits.
 As JSON, by "event": opened, closed; frame with "bytes", "type", "class", "wireName", "fields", "notes",
 "errors"; partial and garbage with "bytes" and "hex"; all with "at" (microseconds) and "from" (host or client);
 replayed with "sent", "toSend", "received" and "expected". Remarks and errors go to the standard error stream.
