@@ -172,8 +172,10 @@ TEST_F(SimulatorProgramTest, HelpTellsOfEveryOptionAndStep) {
     help += line + '\n';
   EXPECT_EQ(simulator.Wait(), 0U);
   for (const char* word :
-       {"--version", "--directory", "--no-registry", "--force", "--no-install", "--windows", "--script",
-        "--stay", "--hang-ms", "--die-after", "presence", "confaudio", "wait-host", "Exit code"})
+       {"--version",     "--directory", "--no-registry", "--force",      "--no-install", "--windows",
+        "--script",      "--stay",      "--hang-ms",     "--die-after",  "--pipes",      "--service-id",
+        "--pipe-suffix", "--stall",     "--split",       "--no-goodbye", "via audio",    "flood",
+        "garbage",       "presence",    "confaudio",     "wait-host",    "Exit code"})
     EXPECT_NE(help.find(word), std::string::npos) << word;
 }
 

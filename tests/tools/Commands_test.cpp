@@ -58,7 +58,7 @@ TEST(CommandsTest, SelectDeviceChoosesTheFunctionByTheGuid) {
 
 TEST(CommandsTest, Watch) {
   const auto all = Line<WatchCommand>("watch");
-  EXPECT_EQ(all.features, 0x3ff);
+  EXPECT_EQ(all.features, std::nullopt);
   EXPECT_TRUE(all.general && all.family && !all.raw && !all.duration && !all.count);
   const auto some = Line<WatchCommand>("watch --features 0x80 --callbacks raw,general --seconds 3 --count 4");
   EXPECT_EQ(some.features, 0x80);
@@ -84,6 +84,16 @@ TEST(CommandsTest, ArgumentsAreWordsAlready) {
   EXPECT_TRUE(std::holds_alternative<HelpCommand>(ParseArguments({"nonsense", "--help"}).command));
   const auto options = ParseArguments({"send", "{\"a\": 1}"});
   EXPECT_EQ(CallText(std::get<CallCommand>(options.command).call), R"j(SendMsgToVelmClient("{\"a\": 1}"))j");
+}
+
+TEST(CommandsTest, StartOfTheChannelIsPlainUnlessARouteIsAskedFor) {
+  EXPECT_EQ(ParseArguments({"version"}).start, Start::kPlain);
+  EXPECT_EQ(ParseArguments({"--audio", "audio", "5"}).start, Start::kAudio);
+  EXPECT_EQ(ParseArguments({"camera", "5", "--service"}).start, Start::kService);
+  EXPECT_EQ(ErrorOf([] {
+              ParseArguments({"--audio", "--service"});
+            }),
+            "--audio and --service exclude each other: service mode has no audio feature");
 }
 
 TEST(CommandsTest, WhatIsWrongIsSaid) {

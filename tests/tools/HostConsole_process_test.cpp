@@ -112,10 +112,10 @@ TEST_F(HostProgramTest, HelpTellsOfEveryCommandAndExitCode) {
     help += line + '\n';
   EXPECT_EQ(host.Wait(), 0U);
   for (const char* word :
-       {"version", "features", "service-mode",  "register", "init",      "destroy", "presence",
-        "audio",   "share",    "chat",          "camera",   "confaudio", "event",   "device",
-        "ui ",     "send",     "select-device", "watch",    "call",      "wait",    "sleep",
-        "12 ",     "15 ",      "16 ",           "17 ",      "19 "})
+       {"--audio", "--service", "version", "features", "service-mode",  "register", "init",
+        "destroy", "presence",  "audio",   "share",    "chat",          "camera",   "confaudio",
+        "event",   "device",    "ui ",     "send",     "select-device", "watch",    "call",
+        "wait",    "sleep",     "12 ",     "15 ",      "16 ",           "17 ",      "19 "})
     EXPECT_NE(help.find(word), std::string::npos) << word;
 }
 

@@ -20,6 +20,26 @@ TEST(OptionsTest, Defaults) {
   EXPECT_EQ(options.windows, (std::vector<std::wstring>{kHostWindow}));
   EXPECT_EQ(options.misbehaviour.hang, 0ms);
   EXPECT_EQ(options.misbehaviour.dieAfter, 0U);
+  EXPECT_TRUE(options.audioPipes && options.servicePipe);
+  EXPECT_EQ(options.serviceId, std::nullopt);
+  EXPECT_EQ(options.pipeSuffix, "");
+  EXPECT_FALSE(options.misbehaviour.stall || options.misbehaviour.split ||
+               options.misbehaviour.withholdsGoodbye);
+}
+
+TEST(OptionsTest, EveryOptionOfThePipes) {
+  const Options options = ParseOptions({"--pipes", "service", "--service-id", "4294967295", "--pipe-suffix",
+                                        ".real", "--stall", "--split", "--no-goodbye"});
+  EXPECT_FALSE(options.audioPipes);
+  EXPECT_TRUE(options.servicePipe);
+  EXPECT_EQ(options.serviceId, 4294967295U);
+  EXPECT_EQ(options.pipeSuffix, ".real");
+  EXPECT_TRUE(options.misbehaviour.stall && options.misbehaviour.split &&
+              options.misbehaviour.withholdsGoodbye);
+  EXPECT_TRUE(ParseOptions({"--pipes", "audio"}).audioPipes);
+  EXPECT_FALSE(ParseOptions({"--pipes", "audio"}).servicePipe);
+  EXPECT_FALSE(ParseOptions({"--pipes", "none"}).audioPipes);
+  EXPECT_FALSE(ParseOptions({"--pipes", "none"}).servicePipe);
 }
 
 TEST(OptionsTest, EveryOption) {
@@ -58,6 +78,11 @@ TEST(OptionsTest, WhatIsWrongIsSaid) {
               ParseOptions({"--hang-ms", "-1"});
             }),
             "--hang-ms '-1' is out of range: 0 to 3600000");
+  EXPECT_EQ(ErrorOf([] {
+              ParseOptions({"--pipes", "all"});
+            }),
+            "'--pipes' takes audio, service, both or none, not 'all'");
+  EXPECT_EQ(ErrorOf([] { ParseOptions({"--service-id", "x"}); }), "--service-id 'x' is not a number");
 }
 
 TEST(OptionsTest, HelpWinsOverEverythingElse) {

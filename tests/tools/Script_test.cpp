@@ -48,6 +48,47 @@ TEST(ScriptTest, BlankLinesAndCommentsAreNoSteps) {
     EXPECT_EQ(ParseStep(line).has_value(), false) << line;
 }
 
+TEST(ScriptTest, ViaSaysByWhichRouteAndToWhom) {
+  EXPECT_EQ(Parse<SendStep>("share 1").via, Via());
+  EXPECT_EQ(Parse<SendStep>("via window share 1").via, Via());
+  EXPECT_EQ(Parse<SendStep>("via audio audio 5").via, (Via{RouteKind::kAudio, std::nullopt}));
+  EXPECT_EQ(Parse<SendStep>("via audio:7 raw x").via, (Via{RouteKind::kAudio, 7}));
+  EXPECT_EQ(Parse<SendStep>("  via service:0x10 empty").via, (Via{RouteKind::kService, 16}));
+  EXPECT_EQ(Parse<WaitForHostStep>("via service wait-host 3").via.kind, RouteKind::kService);
+  EXPECT_EQ(Parse<WaitForHostStep>("via service wait-host 3").limit, 3s);
+  EXPECT_EQ(Parse<DropStep>("via audio drop").via.kind, RouteKind::kAudio);
+}
+
+TEST(ScriptTest, WhatGoesByPipeHasAForm) {
+  EXPECT_EQ(Parse<SendStep>("via audio share 1").form, SendStep::Form::kText);
+  EXPECT_EQ(Parse<SendStep>("via audio bytes 00 ff").form, SendStep::Form::kBytes);
+  const auto frame = Parse<SendStep>("via audio frame -5 <a b=\"c  d\"/>");
+  EXPECT_EQ(frame.form, SendStep::Form::kFrame);
+  EXPECT_EQ(frame.frameType, -5);
+  EXPECT_EQ(frame.data, "<a b=\"c  d\"/>");
+  EXPECT_EQ(Parse<SendStep>("via audio frame 3").data, "");
+}
+
+TEST(ScriptTest, GarbageIsTheSameEveryTime) {
+  const auto garbage = Parse<SendStep>("via audio garbage 100");
+  EXPECT_EQ(garbage.form, SendStep::Form::kBytes);
+  EXPECT_EQ(garbage.data->size(), 100U);
+  EXPECT_EQ(garbage.data, Parse<SendStep>("garbage 100").data);
+}
+
+TEST(ScriptTest, FloodsAndSwitches) {
+  const auto flood = Parse<FloodStep>("via service flood 300 camera result=0:OK");
+  EXPECT_EQ(flood.count, 300U);
+  EXPECT_EQ(flood.words, (std::vector<std::string>{"camera", "0", "result=0:OK"}));
+  EXPECT_EQ(flood.via.kind, RouteKind::kService);
+  EXPECT_TRUE(Parse<PipeSwitchStep>("stall on").on);
+  EXPECT_EQ(Parse<PipeSwitchStep>("stall on").which, PipeSwitchStep::Switch::kStall);
+  EXPECT_FALSE(Parse<PipeSwitchStep>("split off").on);
+  EXPECT_EQ(Parse<PipeSwitchStep>("split off").which, PipeSwitchStep::Switch::kSplit);
+  EXPECT_EQ(Parse<PipeSwitchStep>("goodbye on").which, PipeSwitchStep::Switch::kGoodbye);
+  EXPECT_TRUE(std::holds_alternative<DieStep>(*ParseStep("die")));
+}
+
 TEST(ScriptTest, WhatIsWrongIsSaid) {
   const std::pair<const char*, const char*> cases[] = {
       {"prsence 3", "unknown command 'prsence', did you mean 'presence'?"},
@@ -63,6 +104,28 @@ TEST(ScriptTest, WhatIsWrongIsSaid) {
       {"wait-command", "'wait-command' is written: wait-command N [SECONDS]"},
       {"wait-host 1 2", "'wait-host' is written: wait-host [SECONDS]"},
       {"wait-host soon", "number of seconds 'soon' is not a number"},
+      {"via",
+       "'via' takes window, audio or service, or of these pipes one host's by its channel id, as in "
+       "audio:1234, not ''"},
+      {"via window:1 share 1",
+       "'via' takes window, audio or service, or of these pipes one host's by its "
+       "channel id, as in audio:1234, not 'window:1'"},
+      {"via audio", "'via' is written: via ROUTE LINE"},
+      {"via audio:x share 1", "channel id 'x' is not a number"},
+      {"via audio quit", "'via' cannot stand before 'quit'"},
+      {"via audio via audio share 1", "'via' is written: via ROUTE LINE"},
+      {"via audio nodata", "'nodata' only goes by window"},
+      {"via audio bytes 00 dwData=1", "'dwData=' only goes by window"},
+      {"frame 1 x", "a frame goes by pipe: via audio"},
+      {"via audio frame", "'frame' is written: frame TYPE [PAYLOAD]"},
+      {"drop", "'drop' is written: via PIPE drop"},
+      {"stall", "'stall' takes on or off"},
+      {"split maybe", "'split' takes on or off"},
+      {"garbage 0", "number of bytes '0' is out of range: 1 to 16777216"},
+      {"flood 3", "'flood' is written: flood COUNT NOTIFICATION [KEY=VALUE..]"},
+      {"flood 3 camra", "'camra' is no notification"},
+      {"flood 3 camera 5",
+       "'camera' does not take '5'; it takes from= device= guid= meeting= count= result="},
       {"audio 1 device=\"x", "a quotation mark is not closed"},
   };
   for (const auto& [line, message] : cases)

@@ -43,7 +43,8 @@ BOOL CALLBACK CountHost(HWND window, LPARAM parameter) {
 
 class ClientWindow::Impl {
  public:
-  Impl(const wchar_t* windowClass, Handler handler) : m_class(windowClass), m_handler(std::move(handler)) {
+  Impl(const wchar_t* windowClass, Handler handler, RequestHandler requestHandler)
+      : m_class(windowClass), m_handler(std::move(handler)), m_requestHandler(std::move(requestHandler)) {
     std::promise<DWORD> started;
     std::future<DWORD> error = started.get_future();
     m_thread = std::thread([this, &started] { Run(started); });
@@ -85,7 +86,13 @@ class ClientWindow::Impl {
         break;
       case WM_COPYDATA: {
         const auto* self = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-        return self->Take(*reinterpret_cast<COPYDATASTRUCT*>(lParam));
+        if (self->m_handler) return self->Take(*reinterpret_cast<COPYDATASTRUCT*>(lParam));
+        break;
+      }
+      case kPipeRequest: {
+        const auto* self = reinterpret_cast<Impl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (self->m_requestHandler) self->m_requestHandler(static_cast<uint32_t>(wParam));
+        return 0;
       }
       case WM_DESTROY:
         PostQuitMessage(0);
@@ -108,12 +115,13 @@ class ClientWindow::Impl {
 
   const std::wstring m_class;
   const Handler m_handler;
+  const RequestHandler m_requestHandler;
   HWND m_window = nullptr;
   std::thread m_thread;
 };
 
-ClientWindow::ClientWindow(const wchar_t* windowClass, Handler handler)
-    : m_impl(std::make_unique<Impl>(windowClass, std::move(handler))) {}
+ClientWindow::ClientWindow(const wchar_t* windowClass, Handler handler, RequestHandler requestHandler)
+    : m_impl(std::make_unique<Impl>(windowClass, std::move(handler), std::move(requestHandler))) {}
 
 ClientWindow::~ClientWindow() = default;
 

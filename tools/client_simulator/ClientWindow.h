@@ -13,6 +13,8 @@ namespace velm_sim {
 inline constexpr const wchar_t* kHostWindow = L"VelmPTApp_HostWindow";
 inline constexpr const wchar_t* kHelperWindow = L"VelmPTApp_VVHOST_HostWindow";
 
+inline constexpr unsigned kPipeRequest = 0xA40;
+
 // A message as it arrived.
 struct CopyData {
   std::wstring windowClass;  // of the window that received it
@@ -31,8 +33,11 @@ class ClientWindow {
   // Runs on the window's thread while the sender waits; its result is the sender's result.
   using Handler = std::function<intptr_t(const CopyData&)>;
 
-  // Throws std::system_error when the window cannot be made.
-  ClientWindow(const wchar_t* windowClass, Handler handler);
+  // Takes a host's request for a pipe, a message of number kPipeRequest, with the channel id of its wParam.
+  using RequestHandler = std::function<void(uint32_t channelId)>;
+
+  // Without a handler its messages are not answered. Throws std::system_error when the window cannot be made.
+  ClientWindow(const wchar_t* windowClass, Handler handler, RequestHandler requestHandler = {});
   ~ClientWindow();
   ClientWindow(const ClientWindow&) = delete;
   ClientWindow& operator=(const ClientWindow&) = delete;

@@ -3,6 +3,7 @@
 // The command line of the simulator.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,11 @@ struct Options {
   std::string directory;  // empty: the default
   bool force = false;
   std::vector<std::wstring> windows;  // classes
-  std::string script;                 // path; empty: the standard input
+  bool audioPipes = true;             // on request, by a helper window
+  bool servicePipe = true;
+  std::optional<uint32_t> serviceId;  // none: by the rule of host applications
+  std::string pipeSuffix;
+  std::string script;  // path; empty: the standard input
   bool stay = false;
   Misbehaviour misbehaviour;
 };

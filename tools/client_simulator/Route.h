@@ -13,12 +13,13 @@
 #include <json/value.h>
 
 #include "tools/client_simulator/ClientWindow.h"
+#include "tools/client_simulator/Script.h"
 
 namespace velm_sim {
 
 // A command as it arrived.
 struct Command {
-  std::string_view route;                                   // "window"
+  std::string_view route;                                   // "window", "audio" or "service"
   std::vector<std::pair<std::string, Json::Value>> origin;  // what the route knows of it, for the report
   size_t size = 0;                                          // in bytes, as the sender gave it
   std::optional<std::string> bytes;                         // none: it came without data
@@ -31,10 +32,15 @@ class Route {
  public:
   virtual ~Route() = default;
 
-  // To every host application that this route reaches; no data at all for none.
-  virtual Delivery Send(const std::optional<std::string>& data, uintptr_t id) = 0;
+  virtual RouteKind Kind() const = 0;
 
-  virtual int CountHosts() = 0;
+  // To every host application that this route reaches and `step.via` means.
+  virtual Delivery Send(const SendStep& step) = 0;
+
+  virtual int CountHosts(const Via& via) = 0;
+
+  // Closes the pipes that `via` means; the number of hosts that had one open.
+  virtual int Drop(const Via&) { return 0; }
 };
 
 // The command's report: one JSON object. `number` counts commands from 1.

@@ -17,20 +17,30 @@ Command ToCommand(const CopyData& data) {
 
 }  // namespace
 
-WindowRoute::WindowRoute(const std::vector<std::wstring>& windowClasses, const CommandHandler& handler) {
-  for (const std::wstring& windowClass : windowClasses)
-    m_windows.push_back(
-        std::make_unique<ClientWindow>(windowClass.c_str(), [handler](const CopyData& data) -> intptr_t {
+WindowRoute::WindowRoute(const std::vector<std::wstring>& windowClasses, const CommandHandler& handler,
+                         const ClientWindow::RequestHandler& requestHandler) {
+  bool hasHelper = false;
+  for (const std::wstring& windowClass : windowClasses) {
+    const bool isHelper = windowClass == kHelperWindow;
+    hasHelper = hasHelper || isHelper;
+    m_windows.push_back(std::make_unique<ClientWindow>(
+        windowClass.c_str(),
+        [handler](const CopyData& data) -> intptr_t {
           handler(ToCommand(data));
           return 0;
-        }));
+        },
+        isHelper ? requestHandler : ClientWindow::RequestHandler()));
+  }
+  if (requestHandler && !hasHelper)
+    m_windows.push_back(std::make_unique<ClientWindow>(kHelperWindow, nullptr, requestHandler));
 }
 
-Delivery WindowRoute::Send(const std::optional<std::string>& data, uintptr_t id) {
-  return data ? DeliverToHosts(data->data(), data->size(), id) : DeliverToHosts(nullptr, 0, id);
+Delivery WindowRoute::Send(const SendStep& step) {
+  return step.data ? DeliverToHosts(step.data->data(), step.data->size(), step.id)
+                   : DeliverToHosts(nullptr, 0, step.id);
 }
 
-int WindowRoute::CountHosts() {
+int WindowRoute::CountHosts(const Via&) {
   return velm_sim::CountHosts();
 }
 

@@ -10,11 +10,14 @@ namespace velm_sim {
 // The client's hidden windows, which take commands, and messages to the hosts' windows.
 class WindowRoute : public Route {
  public:
-  // Opens a window of each class. Throws std::system_error.
-  WindowRoute(const std::vector<std::wstring>& windowClasses, const CommandHandler& handler);
+  // Opens a window of each class, and with a request handler in any case the helper window, which answers
+  // requests and without its class being named takes no commands. Throws std::system_error.
+  WindowRoute(const std::vector<std::wstring>& windowClasses, const CommandHandler& handler,
+              const ClientWindow::RequestHandler& requestHandler = {});
 
-  Delivery Send(const std::optional<std::string>& data, uintptr_t id) override;
-  int CountHosts() override;
+  RouteKind Kind() const override { return RouteKind::kWindow; }
+  Delivery Send(const SendStep& step) override;
+  int CountHosts(const Via& via) override;
 
  private:
   std::vector<std::unique_ptr<ClientWindow>> m_windows;

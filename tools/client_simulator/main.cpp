@@ -10,6 +10,8 @@
 #include <system_error>
 
 #include "tools/client_simulator/Options.h"
+#include "tools/client_simulator/PipeMessage.h"
+#include "tools/client_simulator/PipeRoute.h"
 #include "tools/client_simulator/Script.h"
 #include "tools/client_simulator/Simulator.h"
 #include "tools/client_simulator/WindowRoute.h"
@@ -65,7 +67,9 @@ void RefuseBesideARealProduct(const Options& options) {
 
 void RefuseBesideAnOpenWindow(const Options& options) {
   if (options.force) return;
-  for (const std::wstring& windowClass : options.windows)
+  std::vector<std::wstring> windows = options.windows;
+  if (options.audioPipes) windows.emplace_back(kHelperWindow);
+  for (const std::wstring& windowClass : windows)
     if (FindWindowW(windowClass.c_str(), nullptr))
       throw Refused("a client is running: its window " + velm_tools::ToUtf8(windowClass) +
                     " is open; --force opens one more");
@@ -111,6 +115,14 @@ std::vector<Step> ReadScript(const std::string& path) {
   }
 }
 
+uint32_t ServiceId(const Options& options) {
+  return options.serviceId.value_or(ServiceChannelId());
+}
+
+std::string ServicePipeName(const Options& options) {
+  return ChannelName(RouteKind::kService, ServiceId(options)) + options.pipeSuffix;
+}
+
 void ReportReady(const Options& options, const std::optional<FakeProduct>& product) {
   Json::Value windows(Json::arrayValue);
   for (const std::wstring& windowClass : options.windows)
@@ -122,10 +134,39 @@ void ReportReady(const Options& options, const std::optional<FakeProduct>& produ
           .Add("product", installed ? Json::Value(velm_tools::ToUtf8(product->Directory())) : Json::Value())
           .Add("version", installed ? Json::Value(VersionText(options.version)) : Json::Value())
           .Add("windows", windows)
+          .Add("servicePipe", options.servicePipe ? Json::Value(ServicePipeName(options)) : Json::Value())
+          .Add("audioPipes", options.audioPipes)
           .Text());
   Remark(installed ? "installed a fake client " + VersionText(options.version) + " in " +
                          velm_tools::ToUtf8(product->Directory())
                    : "installed nothing");
+}
+
+void ServeOrRemark(PipeRoute& route, uint32_t channelId) {
+  try {
+    route.Serve(channelId);
+  } catch (const std::system_error& error) {
+    Remark(error.what());  // the host asks again
+  }
+}
+
+void AddRoutes(Simulator& simulator, const Options& options) {
+  std::unique_ptr<PipeRoute> audio;
+  ClientWindow::RequestHandler onRequest;
+  if (options.audioPipes) {
+    audio = std::make_unique<PipeRoute>(RouteKind::kAudio, options.pipeSuffix, simulator.Pipes(),
+                                        simulator.Handler());
+    onRequest = [route = audio.get()](uint32_t channelId) { ServeOrRemark(*route, channelId); };
+  }
+  if (options.servicePipe) {
+    auto service = std::make_unique<PipeRoute>(RouteKind::kService, options.pipeSuffix, simulator.Pipes(),
+                                               simulator.Handler());
+    service->Serve(ServiceId(options));
+    simulator.AddRoute(std::move(service));
+  }
+  // Routes are closed in this order: requests for audio pipes end before these do.
+  simulator.AddRoute(std::make_unique<WindowRoute>(options.windows, simulator.Handler(), onRequest));
+  if (audio) simulator.AddRoute(std::move(audio));
 }
 
 enum class Ended { kByItself, kByQuit };
@@ -165,7 +206,7 @@ void Run(const Options& options) {
   std::optional<FakeProduct> product;
   if (options.installProduct) product.emplace(ProductOptions(options));
   Simulator simulator(options.misbehaviour);
-  simulator.AddRoute(std::make_unique<WindowRoute>(options.windows, simulator.Handler()));
+  AddRoutes(simulator, options);
   ReportReady(options, product);
 
   const Ended ended = options.script.empty() ? RunInput(simulator) : RunScript(simulator, script);

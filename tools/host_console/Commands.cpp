@@ -180,11 +180,18 @@ Words WordsOfLine(std::string_view line) {
 const std::string_view kHelp =
     R"(velm_host: tries the functions of velmsdk.dll from the command line.
 
-  velm_host [--json] COMMAND           one command; the channel is made before and destroyed after it
-  velm_host [--json] [interactive]     commands from the standard input, a line each, in one process
+  velm_host [OPTION..] COMMAND         one command; the channel is made before and destroyed after it
+  velm_host [OPTION..] [interactive]   commands from the standard input, a line each, in one process
   --json                               print one JSON object a line
+  --audio                              make the channel so that audio commands go by the audio pipe:
+                                       RegisterMsg(0x3ff), then the setter that starts it
+  --service                            make it so that commands go by the pipe of service mode:
+                                       TryRunningUnderServiceMode, RegisterMsg(0x3fd), then that setter
+With --audio and --service, half a second passes before the channel is destroyed at the end: the pipe opens by
+and by, and what still waits for it then would be lost.
 
-Commands; the channel is made first, by GetSDKAvailableFeatures, if there is none. Numbers are decimal or 0x..
+Commands; the channel is made first, if there is none: as --audio or --service say, otherwise by
+GetSDKAvailableFeatures. Numbers are decimal or 0x..
   version                     GetVelmClientVersion        chat N         SetConfChatCmd
   features                    GetSDKAvailableFeatures     camera N       SetCameraCmd
   service-mode                TryRunningUnderServiceMode  confaudio N    SetConfAudioCmd
@@ -197,7 +204,7 @@ Commands; the channel is made first, by GetSDKAvailableFeatures, if there is non
   select-device NAME [--guid G] [--vid V] [--pid P] [--hot-switch N] [--by FUNCTION]
                               SetAudioDevice, or SetAudioDeviceV2 with a GUID, or the FUNCTION named
   watch [--features MASK] [--callbacks LIST] [--seconds N] [--count N]
-                              RegisterMsg (0x3ff unless given), then set callbacks and print each record
+                              RegisterMsg (0x3ff unless given, with --service 0x3fd), then set callbacks and print each record
                               that arrives. LIST is of general, family and raw, separated by commas;
                               general,family unless given, which gives two records a notification.
                               Ends after N seconds or records, or at Ctrl-C; when interactive and
@@ -221,7 +228,8 @@ Remarks and errors go to the standard error stream.
 
 Exit code of one command
   0   the function succeeded: SDK_OK, a mask, or 1 for yes
-  1   a function returned 0 for no, or the records of --count did not arrive in time
+  1   a function returned 0 for no, or the records of --count did not arrive in time; with --audio and
+      --service also when RegisterMsg refused, and below the code of TryRunningUnderServiceMode
   2   the command is wrong
   12  SDK_ERR_NO_CLIENT (2)          16  SDK_ERR_BAD_DATA (6)         19  SDK_ERR_NO_CHANNEL (999)
   15  SDK_ERR_NO_CLIENT_WINDOW (5)   17  SDK_ERR_CLIENT_TOO_OLD (7)
@@ -233,6 +241,11 @@ Options ParseArguments(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
     if (argument == "--json") {
       options.json = true;
+    } else if (argument == "--audio" || argument == "--service") {
+      const Start start = argument == "--audio" ? Start::kAudio : Start::kService;
+      if (options.start != Start::kPlain && options.start != start)
+        throw UsageError("--audio and --service exclude each other: service mode has no audio feature");
+      options.start = start;
     } else if (argument == "--help" || argument == "-h") {
       options.command = HelpCommand{};
       return options;
@@ -242,7 +255,7 @@ Options ParseArguments(const std::vector<std::string>& arguments) {
   }
   if (words.empty()) return options;
   if (words[0].starts_with('-'))
-    throw UsageError("unknown option '" + words[0] + "'; there are --json and --help");
+    throw UsageError("unknown option '" + words[0] + "'; there are --json, --audio, --service and --help");
   for (const std::string_view word : {"wait", "sleep", "quit"})
     if (words[0] == word) throw UsageError("'" + words[0] + "' is only for interactive use");
   options.command = ParseCommand(words);

@@ -19,7 +19,7 @@ struct CallCommand {
   bool bare = false;  // call it and nothing else; otherwise a channel is made first if there is none
 };
 struct WatchCommand {
-  int64_t features = SDK_FEATURES_ALL;
+  std::optional<int64_t> features;  // none: all there are
   bool general = true;
   bool family = true;
   bool raw = false;
@@ -41,8 +41,16 @@ struct QuitCommand {};
 using Command = std::variant<CallCommand, WatchCommand, WaitCommand, SleepCommand, InteractiveCommand,
                              HelpCommand, QuitCommand>;
 
+// How a channel is made where a command needs one and there is none.
+enum class Start {
+  kPlain,    // GetSDKAvailableFeatures: it is made, and not started
+  kAudio,    // RegisterMsg with the audio feature, then started: audio goes by its pipe
+  kService,  // service mode is asked for, then registered without audio and started
+};
+
 struct Options {
   bool json = false;
+  Start start = Start::kPlain;
   Command command = InteractiveCommand{};
 };
 

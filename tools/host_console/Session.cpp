@@ -10,6 +10,7 @@ namespace {
 
 using velm_tools::JsonLine;
 
+constexpr unsigned kPipeGraceMs = 500;  // the library opens its pipe by a timer of 50 ms
 constexpr std::chrono::milliseconds kForever = std::chrono::hours(24 * 365);
 
 Call CallOf(std::string_view name, int64_t number = 0) {
@@ -47,7 +48,7 @@ int ToExitCode(Result result, uint32_t value) {
   return value == SDK_ERR_NO_CHANNEL ? kNoChannel : kCodeBase + static_cast<int>(value);
 }
 
-Session::Session(bool json) : m_json(json) {
+Session::Session(bool json, Start start) : m_json(json), m_start(start) {
   SetRecordHandler([this](const Record& record) {
     velm_tools::PrintLine(m_json ? ToJsonLine(record) : ToReadable(record));
     ++m_records;
@@ -60,11 +61,34 @@ Session::~Session() {
 }
 
 void Session::DestroyChannel() {
-  if (m_hasChannel) Invoke(CallOf("DestroySdkChannel"));
+  if (!m_hasChannel) return;
+  if (m_start != Start::kPlain) velm_tools::SleepUnlessInterrupted(kPipeGraceMs);
+  Invoke(CallOf("DestroySdkChannel"));
 }
 
-void Session::MakeChannel() {
-  if (!m_hasChannel) Invoke(CallOf("GetSDKAvailableFeatures"));
+int Session::MakeChannel() {
+  if (m_hasChannel) return kSuccess;
+  if (m_start == Start::kPlain) {
+    Invoke(CallOf("GetSDKAvailableFeatures"));
+    return kSuccess;
+  }
+  int64_t features = SDK_FEATURES_ALL;
+  if (m_start == Start::kService) {
+    const uint32_t code = Invoke(CallOf("TryRunningUnderServiceMode"));
+    if (code != SDK_OK) return ToExitCode(Result::kCode, code);
+    features = SDK_FEATURES_SERVICE_MODE;
+  } else {
+    Invoke(CallOf("GetSDKAvailableFeatures"));
+  }
+  if (!Invoke(CallOf("RegisterMsg", features))) return kNo;
+  return ToExitCode(Result::kCode, StartChannel());
+}
+
+// A setter does, InitVelm3rdSdkChannel behind another call does not.
+uint32_t Session::StartChannel() {
+  Call setter = CallOf("SetCallBackFunc");
+  setter.null = true;
+  return Invoke(setter);
 }
 
 uint32_t Session::Invoke(const Call& call) {
@@ -92,13 +116,15 @@ void Session::PrintCall(const Call& call, const Outcome& outcome) const {
 }
 
 int Session::Run(const CallCommand& command) {
-  if (!command.bare && command.call.function->channel == Channel::kNeeds) MakeChannel();
+  if (!command.bare && command.call.function->channel == Channel::kNeeds)
+    if (const int code = MakeChannel(); code != kSuccess) return code;
   return ToExitCode(command.call.function->result, Invoke(command.call));
 }
 
 int Session::Run(const WatchCommand& command, bool returnAtOnce) {
-  MakeChannel();
-  if (!Invoke(CallOf("RegisterMsg", command.features))) {
+  if (const int code = MakeChannel(); code != kSuccess) return code;
+  const int64_t all = m_start == Start::kService ? SDK_FEATURES_SERVICE_MODE : SDK_FEATURES_ALL;
+  if (!Invoke(CallOf("RegisterMsg", command.features.value_or(all)))) {
     velm_tools::Remark(
         "RegisterMsg refused: nothing will arrive (SDK_FEATURE_AUDIO needs a client of version 5.6)");
     return kNo;
@@ -109,12 +135,7 @@ int Session::Run(const WatchCommand& command, bool returnAtOnce) {
   if (command.family)
     for (const Function* setter : FamilySetters())
       Invoke(CallOf(setter->name));
-  if (command.raw && !command.general && !command.family)
-    Invoke([] {  // a raw sink alone does not start the channel, a setter does
-      Call call = CallOf("SetCallBackFunc");
-      call.null = true;
-      return call;
-    }());
+  if (command.raw && !command.general && !command.family) StartChannel();
 
   const auto limit = command.duration.value_or(kForever);
   if (command.count) {

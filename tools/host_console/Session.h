@@ -24,8 +24,8 @@ int ToExitCode(Result result, uint32_t value);
 
 class Session {
  public:
-  // Prints calls and records, as JSON or readable.
-  explicit Session(bool json);
+  // Prints calls and records, as JSON or readable; makes channels as `start` says.
+  explicit Session(bool json, Start start = Start::kPlain);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   // Destroys the channel if there is one; no record is printed afterwards.
@@ -41,11 +41,14 @@ class Session {
 
  private:
   uint32_t Invoke(const Call& call);
-  void MakeChannel();
+  // An exit code: kSuccess, or what kept the channel from being made as it should be.
+  int MakeChannel();
+  uint32_t StartChannel();
   void PrintCall(const Call& call, const Outcome& outcome) const;
   bool WaitForRecords(uint32_t count, std::chrono::milliseconds limit);
 
   const bool m_json;
+  const Start m_start;
   bool m_hasChannel = false;
   std::atomic<uint64_t> m_records{0};
   uint64_t m_waitedFor = 0;

@@ -62,7 +62,7 @@ int Run(const Options& options) {
     velm_tools::PrintLine(kHelp);
     return kSuccess;
   }
-  Session session(options.json);
+  Session session(options.json, options.start);
   if (const auto* call = std::get_if<CallCommand>(&options.command)) return session.Run(*call);
   if (const auto* watch = std::get_if<WatchCommand>(&options.command)) {
     constexpr bool returnAtOnce = false;
