@@ -34,7 +34,7 @@ TEST(TimerQueueTimer, StopDoesNotWaitForATickThatRunsAndAwaitLastTickDoes) {
   TimerQueueTimer timer;
   timer.Start(10, [&] {
     entered = true;
-    Sleep(60);
+    Sleep(500);
     left = true;
   });
   ASSERT_TRUE(WaitUntil([&] { return entered.load(); }));
