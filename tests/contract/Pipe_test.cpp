@@ -7,6 +7,7 @@
 #include "gmock/gmock.h"
 #include "tests/contract/ContractFixture.h"
 #include "tests/contract/RawSinkInC.h"
+#include "tests/support/PipePeer.h"
 
 namespace velm_test {
 namespace {
@@ -461,6 +462,26 @@ TEST_F(PipeContract, DestroyInTheMiddleOfAFloodEndsIt) {
   const int after = g_taken.general;
   EXPECT_TRUE(m_client->ReadLineWith(R"("event":"flooded")"));
   EXPECT_LE(g_taken.general, after + 1);  // one callback may still have been running
+}
+
+// The break is found by a tick, which is still on its way out of the library when the host unloads it.
+TEST_F(PipeContract, TheDllMayBeUnloadedWhileABreakIsBeingHandled) {
+  constexpr int kRounds = 40;
+  Install();
+  const std::string channel = "com.velm.ipc.audiosdk_" + std::to_string(GetCurrentProcessId());
+  m_sdk.reset();
+  for (int round = 0; round < kRounds; ++round) {
+    PipePeer server = PipePeer::Serve(channel);
+    ASSERT_TRUE(server.IsGood()) << round;
+    m_sdk = std::make_unique<Sdk>();
+    m_sdk->GetSDKAvailableFeatures();
+    ASSERT_EQ(m_sdk->RegisterMsg(SDK_FEATURES_ALL), 1U);
+    m_sdk->SetCallBackFunc(OnGeneral);
+    ASSERT_TRUE(server.AwaitClient()) << round;
+    server.Close();
+    Sleep(static_cast<DWORD>(round * 4));  // before, during and after that tick
+    m_sdk.reset();
+  }
 }
 
 }  // namespace
