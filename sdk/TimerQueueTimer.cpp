@@ -87,7 +87,7 @@ void TimerQueueTimer::Stop() {
   ticks.byId.erase(m_id);
   DeleteTimerQueueTimer(nullptr, std::exchange(m_timer, nullptr), ended.get());
   std::erase_if(ticks.endings, HasEnded);
-  ticks.endings.push_back(std::move(ended));
+  if (ended) ticks.endings.push_back(std::move(ended));
 }
 
 void TimerQueueTimer::AwaitLastTick() {
