@@ -13,6 +13,7 @@
 #include "common/client/utility/src/CmmFilePath.h"
 #include "gtest/gtest.h"
 #include "tests/common/CmmThreadTesting.h"
+#include "tests/support/AnsiText.h"
 #include "tests/support/ScratchDirectory.h"
 
 namespace Cmm {
@@ -425,11 +426,10 @@ TEST(CFile, FileExistTakesNullForAnEmptyPath) {
 }
 
 TEST(CFile, FileExistLooksForTheUtf8NameInTheAnsiCodePage) {
-  if (GetACP() != 1252) GTEST_SKIP() << "needs code page 1252";
   const ScratchDirectory scratch;
   const std::filesystem::path path = scratch.MakeFile(L"\x00E9.txt");
-  EXPECT_FALSE(CFile::FileExist(path.c_str()));
-  scratch.MakeFile(L"\x00C3\x00A9.txt");  // what the UTF-8 bytes spell in 1252
+  EXPECT_EQ(CFile::FileExist(path.c_str()) != 0, GetACP() == CP_UTF8);
+  scratch.MakeFile(velm_test::FromAnsi("\xC3\xA9.txt").c_str());  // "\u00C3\u00A9.txt" in code page 1252
   EXPECT_TRUE(CFile::FileExist(path.c_str()));
 }
 

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "gmock/gmock.h"
+#include "tests/common/LogTesting.h"
 #include "tests/support/DirectoryLink.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -186,10 +187,14 @@ TEST_F(LogCleaner, UnsafePathIsNotCleaned) {
   EXPECT_THAT(Left(), UnorderedElementsAre("a_1.log", "sub"));
 }
 
-TEST_F(LogCleaner, NullAndMissingDirectoriesAreAccepted) {
+TEST_F(LogCleaner, NullEmptyAndMissingDirectoriesCleanNothing) {
+  // Where a wrong turn would lead to: the default rule has no limits to keep anything by.
+  m_scratch.MakeFile(L"a_1.log", "x");
+  const velm_test::CurrentDirectory current(m_scratch.Path());
   CleanLogsWithFilters(nullptr, {}, LogFilterItem_s());
   CleanLogsWithFilters(L"", {}, LogFilterItem_s());
   CleanLogsWithFilters((Dir() + L"missing\\").c_str(), {}, LogFilterItem_s());
+  EXPECT_THAT(Left(), UnorderedElementsAre("a_1.log"));
 }
 
 TEST_F(LogCleaner, LinkedDirectoryIsNotCleaned) {

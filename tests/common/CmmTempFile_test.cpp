@@ -5,7 +5,9 @@
 #include <cwchar>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -40,14 +42,20 @@ std::wstring ProcessPart() {
   return text.GetCData();
 }
 
-// The counter in a name that was made with this directory part and prefix.
-unsigned long CounterIn(const std::wstring& name, const std::wstring& beginning) {
+// The counter in a name that was made with this directory part and prefix; none in any other name.
+std::optional<unsigned long> FindCounter(const std::wstring& name, const std::wstring& beginning) {
   const std::wstring before = beginning + ProcessPart();
-  EXPECT_EQ(name.substr(0, before.size()), before);
+  if (!name.starts_with(before)) return std::nullopt;
   wchar_t* end = nullptr;
   const unsigned long counter = std::wcstoul(name.c_str() + before.size(), &end, 16);
-  EXPECT_STREQ(end, L".tmp");
+  if (std::wstring_view(end) != L".tmp") return std::nullopt;
   return counter;
+}
+
+unsigned long CounterIn(const std::wstring& name, const std::wstring& beginning) {
+  const auto counter = FindCounter(name, beginning);
+  EXPECT_TRUE(counter) << "the name does not begin and end as it should";
+  return counter.value_or(0);
 }
 
 TEST(FsTmpPath, IsTheSystemsTemporaryDirectoryWithABackslash) {
@@ -83,20 +91,20 @@ TEST(FsTmpFile, WithoutCreateNoFileIsTouched) {
 }
 
 TEST(FsTmpFile, PutsABackslashBehindADirectoryThatNeedsOne) {
-  CounterIn(NewName(L"d", L"p"), L"d\\p");
-  CounterIn(NewName(L"d\\", L"p"), L"d\\p");
-  CounterIn(NewName(L"d/", L"p"), L"d/p");
-  CounterIn(NewName(L"", L"p"), L"p");
-  CounterIn(NewName(L"C:", L"p"), L"C:\\p");
+  EXPECT_TRUE(FindCounter(NewName(L"d", L"p"), L"d\\p"));
+  EXPECT_TRUE(FindCounter(NewName(L"d\\", L"p"), L"d\\p"));
+  EXPECT_TRUE(FindCounter(NewName(L"d/", L"p"), L"d/p"));
+  EXPECT_TRUE(FindCounter(NewName(L"", L"p"), L"p"));
+  EXPECT_TRUE(FindCounter(NewName(L"C:", L"p"), L"C:\\p"));
 }
 
 TEST(FsTmpFile, NullStandsForTheTemporaryDirectoryAndForNoPrefix) {
-  CounterIn(NewName(nullptr, nullptr), cmm_fs_tmppath());
-  CounterIn(NewName(nullptr, L"p"), std::wstring(cmm_fs_tmppath()) + L"p");
+  EXPECT_TRUE(FindCounter(NewName(nullptr, nullptr), cmm_fs_tmppath()));
+  EXPECT_TRUE(FindCounter(NewName(nullptr, L"p"), std::wstring(cmm_fs_tmppath()) + L"p"));
 }
 
 TEST(FsTmpFile, ThePrefixIsNotAFormat) {
-  CounterIn(NewName(L"%s%d", L"%n\x4F1A"), L"%s%d\\%n\x4F1A");
+  EXPECT_TRUE(FindCounter(NewName(L"%s%d", L"%n\x4F1A"), L"%s%d\\%n\x4F1A"));
 }
 
 TEST(FsTmpFile, WithCreateTheFileExistsAndIsEmptyAndClosed) {

@@ -302,8 +302,12 @@ TEST(TimeCalendar, AMomentWithoutADateExplodesIntoZeros) {
 }
 
 TEST(TimeCalendar, ExplodingIntoANullPointerDoesNothing) {
-  At(kFieldsInUtc).UTCExplode(nullptr);
-  At(kFieldsInUtc).LocalExplode(nullptr);
+  const Time time = At(kFieldsInUtc);
+  SetLastError(4711);
+  time.UTCExplode(nullptr);
+  time.LocalExplode(nullptr);
+  EXPECT_EQ(time, At(kFieldsInUtc));
+  EXPECT_EQ(GetLastError(), 4711u);
 }
 
 TEST(TimeCalendar, TakesFieldsInUtcAndInLocalTime) {

@@ -13,6 +13,12 @@
 
 namespace qxb_ipc {
 
+// A channel id that no other test uses.
+inline std::string UniqueName() {
+  static int count = 0;
+  return "com.velm.ipc.test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count);
+}
+
 struct ReceivedMessage {
   int type;
   std::string payload;

@@ -19,11 +19,6 @@ using velm_test::FrameHeader;
 using velm_test::FrameOf;
 using velm_test::PipePeer;
 
-std::string UniqueName() {
-  static int count = 0;
-  return "com.velm.ipc.thread_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count);
-}
-
 std::wstring NameFor(const wchar_t* base, unsigned id) {
   Cmm::CStringT<wchar_t> name(L"what was there before");
   CIPCChannelThread::GenChannelName(base, id, name);

@@ -18,11 +18,6 @@ using velm_test::FrameHeader;
 using velm_test::FrameOf;
 using velm_test::PipePeer;
 
-std::string UniqueName() {
-  static int count = 0;
-  return "com.velm.ipc.test_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count);
-}
-
 // Pumps until the condition holds; false when it did not in time.
 template <typename Condition>
 bool PumpUntil(Channel& channel, Condition condition) {

@@ -33,7 +33,8 @@ DirectoryLink::DirectoryLink(std::filesystem::path link, const std::filesystem::
   if (linkBelow && targetBelow)
     ChildProcess(L"Z:\\bin\\ln", {"-s", "-n", *targetBelow, *linkBelow}).Wait();
   else
-    CreateSymbolicLinkW(m_path.c_str(), target.c_str(), SYMBOLIC_LINK_FLAG_DIRECTORY);
+    ChildProcess(L"C:\\Windows\\System32\\cmd.exe", {"/c", "mklink", "/J", m_path.string(), target.string()})
+        .Wait();
 }
 
 DirectoryLink::~DirectoryLink() {

@@ -4,8 +4,8 @@
 
 namespace velm_test {
 
-// A link to a directory: a reparse point with the directory attribute. The destructor removes the link, if
-// it is still there, and leaves its target alone.
+// A link to a directory: a reparse point with the directory attribute, which no privilege is needed for. The
+// destructor removes the link, if it is still there, and leaves its target alone.
 class DirectoryLink {
  public:
   // `target` must exist.
@@ -16,7 +16,7 @@ class DirectoryLink {
 
   const std::filesystem::path& Path() const { return m_path; }
 
-  // False when this system or this user cannot make such a link; and when it has been removed.
+  // False when it could not be made, and when it has been removed.
   bool Exists() const;
 
  private:

@@ -62,6 +62,8 @@ class CMM_EXPORT CTimerID {
   operator unsigned long long() const;  // the timer's id; 0 when none runs
 
  private:
+  friend struct TimerTestAccess;
+
   static void AddTimerToList(unsigned long long id, CTimerProc* proc);
   static void RemoveTimerFromList(unsigned long long id);
   static void MyTimerProcCallback(HWND__* hwnd, unsigned int message, unsigned long long id,
